@@ -1,0 +1,25 @@
+# spcbase_layer(platform_text SOURCES a.cpp ... [LIBRARIES ICU::uc ...])
+#
+# One object library for each folder of spcbase/. The shared library and the tests' static library gather them.
+function(spcbase_layer name)
+  cmake_parse_arguments(arg "" "" "SOURCES;LIBRARIES" ${ARGN})
+  add_library(spcbase_${name} OBJECT ${arg_SOURCES})
+  target_include_directories(spcbase_${name} PUBLIC ${PROJECT_SOURCE_DIR})
+  target_link_libraries(spcbase_${name} PRIVATE spcbase_warnings spcbase_sanitizers ${arg_LIBRARIES})
+  set_property(GLOBAL APPEND PROPERTY SPCBASE_LAYERS spcbase_${name})
+  set_property(GLOBAL APPEND PROPERTY SPCBASE_LIBRARIES ${arg_LIBRARIES})
+endfunction()
+
+# spcbase_test(foundation SOURCES a_test.cpp ... [LIBRARIES ...])
+#
+# One test program for each folder, tests/<folder>; every case is known to CTest under the folder's label.
+function(spcbase_test name)
+  cmake_parse_arguments(arg "" "" "SOURCES;LIBRARIES" ${ARGN})
+  add_executable(${name}_test ${arg_SOURCES})
+  target_link_libraries(${name}_test PRIVATE
+    spcbase_internal spcbase_test_support spcbase_warnings spcbase_sanitizers
+    ${arg_LIBRARIES} GTest::gtest GTest::gmock)
+  target_compile_definitions(${name}_test PRIVATE SPCBASE_TEST_DATA="${PROJECT_SOURCE_DIR}/tests/data")
+  add_test(NAME ${name} COMMAND ${name}_test --gtest_shuffle)
+  set_tests_properties(${name} PROPERTIES LABELS ${name})
+endfunction()

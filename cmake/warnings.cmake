@@ -1,0 +1,13 @@
+# The flags that the whole tree is compiled with, on one private interface target.
+add_library(spcbase_warnings INTERFACE)
+target_compile_options(spcbase_warnings INTERFACE
+  -Wall -Wextra -Wpedantic -Wshadow -Wconversion
+  $<$<BOOL:${SPCBASE_WERROR}>:-Werror>
+  -fno-semantic-interposition)
+
+add_library(spcbase_sanitizers INTERFACE)
+if(SPCBASE_SANITIZE)
+  target_compile_options(spcbase_sanitizers INTERFACE
+    -fsanitize=address,undefined -fno-sanitize-recover=all -fno-omit-frame-pointer)
+  target_link_options(spcbase_sanitizers INTERFACE -fsanitize=address,undefined)
+endif()
