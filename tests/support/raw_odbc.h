@@ -1,0 +1,38 @@
+/// A connection in plain ODBC, for what tests do beside the code under test: create databases, look at what really stands
+/// in a table, hand out a raw handle.
+#pragma once
+
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace test_support {
+
+class RawOdbc {
+ public:
+  using Row = std::vector<std::optional<std::string>>;
+
+  /// Connects. Fails: std::runtime_error with the driver's text; so do all operations.
+  explicit RawOdbc(const std::string& connect_text);
+  ~RawOdbc();
+  RawOdbc(const RawOdbc&) = delete;
+  RawOdbc& operator=(const RawOdbc&) = delete;
+
+  /// The connection handle, an `SQLHDBC`. It stays this object's.
+  void* handle() const { return connection_; }
+
+  /// Runs one statement that gives no rows.
+  void execute(const std::string& statement);
+
+  /// Runs one statement and gives its rows as texts, null apart from empty.
+  std::vector<Row> rows(const std::string& statement);
+
+  /// The first column of the first row; empty text when there is none or it is null.
+  std::string value(const std::string& statement);
+
+ private:
+  void* environment_ = nullptr;
+  void* connection_ = nullptr;
+};
+
+}  // namespace test_support
