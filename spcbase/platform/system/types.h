@@ -1,8 +1,8 @@
 /// The plain number types, result codes and their constants that the Windows-shaped interfaces are written in.
 ///
-/// Part of the platform layer. Widths are those of the originals, whatever the width of `long` here: `LONG`, `DWORD` and
-/// `HRESULT` have 32 bits. Code that throws or returns a plain `long` as a result code uses the sign-extended HRESULT, so
-/// that `hr < 0`, `FAILED(hr)` and comparisons with the constants below hold.
+/// Part of the platform layer. Widths are those of the originals, whatever the width of `long` here: `LONG`, `DWORD`
+/// and `HRESULT` have 32 bits. Code that throws or returns a plain `long` as a result code uses the sign-extended
+/// HRESULT, so that `hr < 0`, `FAILED(hr)` and comparisons with the constants below hold.
 ///
 /// Differs: there is no `WCHAR`; wide text is UTF-16 in `char16_t` (`OLECHAR`), and wide literals are written `u"..."`.
 /// The names agree with those of <sqltypes.h>; a source that includes <sql.h> includes it before this header.

@@ -1,0 +1,1 @@
+#include "spcbase/platform/datetime/clock.h"

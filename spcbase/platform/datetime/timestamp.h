@@ -1,0 +1,18 @@
+/// The date-time of the database interface.
+///
+/// Part of the platform layer. Where the ODBC headers are in use theirs serves: include <sql.h> before this header.
+#pragma once
+
+#ifndef __SQLTYPES_H
+/// A date and time by fields. `fraction` counts billionths of a second.
+struct tagTIMESTAMP_STRUCT {
+  short year;
+  unsigned short month;
+  unsigned short day;
+  unsigned short hour;
+  unsigned short minute;
+  unsigned short second;
+  unsigned int fraction;
+};
+using TIMESTAMP_STRUCT = tagTIMESTAMP_STRUCT;
+#endif

@@ -1,0 +1,1 @@
+#include "spcbase/platform/system/message_source.h"
