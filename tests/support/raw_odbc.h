@@ -1,5 +1,5 @@
-/// A connection in plain ODBC, for what tests do beside the code under test: create databases, look at what really stands
-/// in a table, hand out a raw handle.
+/// A connection in plain ODBC, for what tests do beside the code under test: create databases, look at what really
+/// stands in a table, hand out a raw handle.
 #pragma once
 
 #include <optional>
