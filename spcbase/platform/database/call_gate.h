@@ -10,16 +10,18 @@
 #include <cstdint>
 #include <optional>
 #include <string>
+#include <vector>
 
 namespace spcdb {
 
 /// What a driver, or the layer in its place, said about a call that failed.
 struct Diagnostic {
-  std::string sqlstate;    ///< five characters, "HY000" when nothing better is known
-  long native = 0;         ///< the server's own number
-  std::string text;        ///< the message without state, number and origin
-  std::string origin;      ///< the driver's prefix, e.g. "[ma-3.1.15][10.11.19-MariaDB]"; may be empty
-  short return_code = -1;  ///< what CDBException::m_nRetCode becomes; -1 is SQL_ERROR
+  std::string sqlstate;                  ///< five characters, "HY000" when nothing better is known
+  long native = 0;                       ///< the server's own number
+  std::string text;                      ///< the message without state, number and origin
+  std::string origin;                    ///< the driver's prefix, e.g. "[ma-3.1.15][10.11.19-MariaDB]"; may be empty
+  short return_code = -1;                ///< what CDBException::m_nRetCode becomes; -1 is SQL_ERROR
+  std::vector<Diagnostic> further = {};  ///< the records behind the first one
 };
 
 /// What a test places behind the door.

@@ -33,10 +33,12 @@ inline constexpr RETCODE AFX_SQL_ERROR_DATA_TRUNCATED = AFX_SQL_ERROR + 21;
 class SPCBASE_API CDBException : public CException {
  public:
   RETCODE m_nRetCode = 0;
-  /// The driver's text, for people. Followed, when the layer knows it, by the statement in its given form.
+  /// The driver's text, for people.
   CString m_strError;
   /// "State:23000,Native:1062,Origin:[ma-3.1.15][10.11.19-MariaDB]", one line for each record of the driver.
   CString m_strStateNativeOrigin;
+  /// The statement that failed, as it was given, values of password columns masked; empty when none was sent.
+  CString m_strStatement;
 
   explicit CDBException(RETCODE code = 0) : m_nRetCode(code) {}
   /// Holds what a driver said.

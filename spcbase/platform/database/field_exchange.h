@@ -28,17 +28,10 @@ class RecordsetCore;
 class SPCBASE_API CFieldExchange {
  public:
   enum RFX_Operation : UINT {
-    BindParam = 0,  ///< parameters give their values
-    RebindParam = 1,
+    BindParam = 0,          ///< parameters give their values
     BindFieldToColumn = 2,  ///< columns tell kind and width
     Fixup = 3,              ///< the fetched row goes into the members
-    MarkForAddNew = 4,      ///< members become null and unset
-    MarkForUpdate = 5,      ///< members are remembered, to be compared later
-    SetFieldNull = 6,
-    Name = 8,       ///< the select list is written
-    NameValue = 9,  ///< what Update sends is gathered
-    Value = 10,
-    Restore = 11,  ///< an edit is dropped: what was fetched goes back into the members
+    Name = 8,               ///< the select list is written
   };
   enum FieldType : UINT { outputColumn = 0, param = 1 };
 
@@ -58,7 +51,6 @@ class SPCBASE_API CFieldExchange {
 
   UINT field_type_ = outputColumn;
   unsigned next_field_ = 0;  ///< position of the next column of this pass
-  unsigned next_param_ = 0;
 };
 
 /// Exchange a member with a column. Names may stand in square brackets, with the table's before it; what is given is
@@ -66,7 +58,6 @@ class SPCBASE_API CFieldExchange {
 
 /// A whole number of 32 bits. Fails: CDBException* (22003) for a value beyond them.
 SPCBASE_API void RFX_Long(CFieldExchange* exchange, const char* name, long& value);
-SPCBASE_API void RFX_Long(CFieldExchange* exchange, const char* name, int& value);
 /// A text of at most `max_length` characters (not bytes). A longer one that is read is a failure with
 /// AFX_SQL_ERROR_DATA_TRUNCATED; one that is written is the server's to refuse. `column_type` and `scale` are kept for
 /// the sake of the signature.

@@ -1,0 +1,36 @@
+/// Connect texts: KEY=value pairs parted by semicolons, a value with special characters standing in {braces}.
+///
+/// Part of the database platform layer.
+#pragma once
+
+#include <cstddef>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "spcbase/platform/system/export.h"
+
+namespace spcdb {
+
+/// One pair of a connect text.
+struct ConnectItem {
+  std::string key;              ///< as given, without blanks around it
+  std::string value;            ///< without braces; a doubled closing brace is one
+  std::size_t value_begin = 0;  ///< where the value stands in the text, braces included
+  std::size_t value_end = 0;
+  bool closed = true;  ///< false: an opening brace was never closed
+};
+
+/// Takes a connect text apart. A word without "=" is a pair with an empty key. Never fails.
+std::vector<ConnectItem> parse_connect_text(std::string_view text);
+
+/// The pair of a key, whatever its case; null when there is none.
+const ConnectItem* find_item(const std::vector<ConnectItem>& items, std::string_view key);
+
+/// Whether two words are equal but for the case of ASCII letters.
+bool same_word(std::string_view a, std::string_view b) noexcept;
+
+/// Replaces the value of every password key (PWD, Password, ...) by ***, whatever stands around it.
+SPCBASE_API std::string mask_password_in_connect_text(std::string_view text);
+
+}  // namespace spcdb

@@ -1,0 +1,128 @@
+#include "spcbase/platform/database/field_exchange.h"
+
+#include <limits>
+
+#include "spcbase/platform/database/recordset_core.h"
+
+namespace spcdb {
+
+void RecordsetCore::name_column(CFieldExchange& exchange, std::string_view name, ValueKind kind) {
+  CString& text = *exchange.m_pstr;
+  if (!names_.empty()) text += ',';
+  names_.push_back({name_text_.size(), name.size()});
+  name_text_ += name;
+  const auto& expression = connection().quirks().double_expression;
+  if (kind != ValueKind::real || expression.empty()) {
+    text += name;
+    return;
+  }
+  constexpr std::string_view kColumn = "%s";
+  std::size_t at = 0;
+  for (auto next = expression.find(kColumn); next != std::string::npos; next = expression.find(kColumn, at)) {
+    text += std::string_view(expression).substr(at, next - at);
+    text += name;
+    at = next + kColumn.size();
+  }
+  text += std::string_view(expression).substr(at);
+}
+
+void RecordsetCore::bind_column(void* address, ValueKind kind, int width_chars) {
+  Field field;
+  field.address = address;
+  field.kind = kind;
+  fields_.push_back(field);
+  connection().scratch().columns.push_back({kind, width_chars});
+}
+
+void RecordsetCore::bind_parameter(std::string_view name, const Parameter& value) {
+  host_parameters_.push_back(value);
+  host_names_.push_back(name);
+}
+
+namespace {
+
+[[noreturn]] void raise_out_of_range(const char* name) {
+  raise(AFX_SQL_ERROR, "22003", std::string("The value of ") + name + " is beyond 32 bits.");
+}
+
+/// What all RFX_ functions do alike; `fetch` reads the member from a row and says whether it was not null.
+template <class Value, class Fetch, class Bind>
+inline void exchange_column(CFieldExchange* exchange, const char* name, ValueKind kind, int width, Value& value,
+                            Fetch&& fetch, Bind&& bind) {
+  RecordsetCore& core = exchange->m_prs->core();
+  if (exchange->m_nOperation == CFieldExchange::Fixup) [[likely]] {
+    if (!exchange->IsFieldType(CFieldExchange::outputColumn)) return;
+    const unsigned position = RecordsetCore::next(*exchange);
+    if (!core.has_field(position)) return;
+    core.field(position).is_null = !fetch(core.row(), position);
+    return;
+  }
+  if (exchange->IsFieldType(CFieldExchange::param)) {
+    if (exchange->m_nOperation == CFieldExchange::BindParam) core.bind_parameter(name, bind());
+  } else if (exchange->m_nOperation == CFieldExchange::Name) {
+    core.name_column(*exchange, name, kind);
+  } else if (exchange->m_nOperation == CFieldExchange::BindFieldToColumn) {
+    core.bind_column(&value, kind, width);
+  }
+}
+
+}  // namespace
+
+}  // namespace spcdb
+
+using spcdb::Parameter;
+using spcdb::Row;
+using spcdb::ValueKind;
+
+void RFX_Long(CFieldExchange* exchange, const char* name, long& value) {
+  spcdb::exchange_column(
+      exchange, name, ValueKind::integer, 0, value,
+      [&](Row& row, unsigned position) {
+        std::int64_t fetched = 0;
+        const bool has_value = row.integer(position, fetched);
+        if (fetched < std::numeric_limits<LONG>::min() || fetched > std::numeric_limits<LONG>::max()) [[unlikely]]
+          spcdb::raise_out_of_range(name);
+        value = fetched;
+        return has_value;
+      },
+      [&] { return Parameter::of_integer(value); });
+}
+
+void RFX_Text(CFieldExchange* exchange, const char* name, CString& value, int max_length, int column_type,
+              short scale) {
+  static_cast<void>(column_type);
+  static_cast<void>(scale);
+  spcdb::exchange_column(
+      exchange, name, ValueKind::text, max_length, value,
+      [&](Row& row, unsigned position) {
+        std::string_view fetched;
+        const bool has_value = row.text(position, fetched);
+        value = fetched;
+        return has_value;
+      },
+      [&] { return Parameter::of_text(value.view()); });
+}
+
+void RFX_Date(CFieldExchange* exchange, const char* name, TIMESTAMP_STRUCT& value) {
+  spcdb::exchange_column(
+      exchange, name, ValueKind::moment, 0, value,
+      [&](Row& row, unsigned position) {
+        TIMESTAMP_STRUCT fetched{};
+        const bool has_value = row.moment(position, fetched);
+        value = fetched;
+        return has_value;
+      },
+      [&] { return Parameter::of_moment(value); });
+}
+
+void RFX_Double(CFieldExchange* exchange, const char* name, double& value) {
+  spcdb::exchange_column(
+      exchange, name, ValueKind::real, 0, value,
+      [&](Row& row, unsigned position) {
+        double fetched = 0;
+        const bool has_value = row.real(position, fetched);
+        value = fetched;
+        return has_value;
+      },
+      [&] { return Parameter::of_real(value); });
+}

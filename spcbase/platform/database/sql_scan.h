@@ -1,0 +1,90 @@
+/// The few lexical rules of SQL text that lifting, quoting and masking share.
+///
+/// Part of the database platform layer. Each function takes the position at which a token begins and gives the position
+/// behind it; a token that does not end gives the end of the text.
+#pragma once
+
+#include <cstddef>
+#include <string_view>
+
+namespace spcdb::scan {
+
+constexpr bool is_digit(char c) noexcept { return c >= '0' && c <= '9'; }
+constexpr bool is_word_start(char c) noexcept {
+  return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || c == '_' || c == '@' || c == '#' || c == '$' ||
+         static_cast<unsigned char>(c) >= 0x80;
+}
+constexpr bool is_word(char c) noexcept { return is_word_start(c) || is_digit(c); }
+constexpr bool is_space(char c) noexcept { return c == ' ' || c == '\t' || c == '\n' || c == '\r' || c == '\f'; }
+
+/// Behind a text literal: a doubled apostrophe belongs to it.
+constexpr std::size_t literal_end(std::string_view sql, std::size_t at) noexcept {
+  for (std::size_t i = at + 1; i < sql.size(); ++i) {
+    if (sql[i] != '\'') continue;
+    if (i + 1 < sql.size() && sql[i + 1] == '\'') {
+      ++i;
+      continue;
+    }
+    return i + 1;
+  }
+  return sql.size();
+}
+
+/// Behind a quoted name: [..], "..", `..`; a doubled closing quote belongs to it.
+constexpr std::size_t name_end(std::string_view sql, std::size_t at) noexcept {
+  const char close = sql[at] == '[' ? ']' : sql[at];
+  for (std::size_t i = at + 1; i < sql.size(); ++i) {
+    if (sql[i] != close) continue;
+    if (i + 1 < sql.size() && sql[i + 1] == close) {
+      ++i;
+      continue;
+    }
+    return i + 1;
+  }
+  return sql.size();
+}
+
+/// True where a comment begins.
+constexpr bool at_comment(std::string_view sql, std::size_t at) noexcept {
+  return at + 1 < sql.size() && ((sql[at] == '-' && sql[at + 1] == '-') || (sql[at] == '/' && sql[at + 1] == '*'));
+}
+
+/// Behind a comment.
+constexpr std::size_t comment_end(std::string_view sql, std::size_t at) noexcept {
+  const std::string_view closing = sql[at] == '-' ? "\n" : "*/";
+  const auto end = sql.find(closing, at + 2);
+  return end == std::string_view::npos ? sql.size() : end + closing.size();
+}
+
+/// Behind an escape in braces, literals inside it respected.
+constexpr std::size_t brace_end(std::string_view sql, std::size_t at) noexcept {
+  for (std::size_t i = at + 1; i < sql.size();) {
+    if (sql[i] == '\'') {
+      i = literal_end(sql, i);
+    } else if (sql[i] == '}') {
+      return i + 1;
+    } else {
+      ++i;
+    }
+  }
+  return sql.size();
+}
+
+/// Behind a word.
+constexpr std::size_t word_end(std::string_view sql, std::size_t at) noexcept {
+  while (at < sql.size() && is_word(sql[at]))
+    ++at;
+  return at;
+}
+
+/// Compares a word with one in capitals, without regard to case.
+constexpr bool same_word(std::string_view word, std::string_view capitals) noexcept {
+  if (word.size() != capitals.size()) return false;
+  for (std::size_t i = 0; i < word.size(); ++i) {
+    const char c = word[i] >= 'a' && word[i] <= 'z' ? static_cast<char>(word[i] - 'a' + 'A') : word[i];
+    if (c != capitals[i]) return false;
+  }
+  return true;
+}
+
+}  // namespace spcdb::scan
