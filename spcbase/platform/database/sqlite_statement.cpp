@@ -1,0 +1,285 @@
+#include <charconv>
+#include <cmath>
+#include <limits>
+
+#include "spcbase/platform/database/db_exception.h"
+#include "spcbase/platform/database/moment_text.h"
+#include "spcbase/platform/database/sql_text.h"
+#include "spcbase/platform/database/sqlite_connection.h"
+
+namespace spcdb {
+namespace {
+
+/// Whether all of a text is a number of this kind.
+template <typename Number>
+bool parse_number(std::string_view text, Number& value) noexcept {
+  const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), value);
+  return error == std::errc() && end == text.data() + text.size() && !text.empty();
+}
+
+enum class Whole : unsigned char { yes, fraction, too_large };
+
+Whole to_whole(double real, std::int64_t& value) noexcept {
+  constexpr double limit = 9223372036854775808.0;
+  if (!(real >= -limit && real < limit)) return std::isnan(real) ? Whole::fraction : Whole::too_large;
+  if (real != std::trunc(real)) return Whole::fraction;
+  value = static_cast<std::int64_t>(real);
+  return Whole::yes;
+}
+
+Whole to_whole(std::string_view text, std::int64_t& value) noexcept {
+  if (parse_number(text, value)) return Whole::yes;
+  double real = 0;
+  return parse_number(text, real) ? to_whole(real, value) : Whole::fraction;
+}
+
+}  // namespace
+
+SqliteStatement::SqliteStatement(SqliteSession& session, sqlite3_stmt* statement)
+    : session_(session),
+      statement_(statement),
+      parameter_count_(sqlite3_bind_parameter_count(statement)),
+      columns_(static_cast<unsigned>(sqlite3_column_count(statement))),
+      writes_(sqlite3_stmt_readonly(statement) == 0) {}
+
+SqliteStatement::~SqliteStatement() {
+  session_.gate().release("sqlite3_finalize");
+  sqlite3_finalize(statement_);
+}
+
+void SqliteStatement::bind_columns(std::span<const ColumnBinding> columns) {
+  widths_.resize(columns.size());
+  for (std::size_t i = 0; i < columns.size(); ++i)
+    widths_[i] = columns[i].kind == ValueKind::text ? columns[i].width_chars : 0;
+}
+
+void SqliteStatement::execute(std::span<const Parameter> parameters) {
+  close();
+  rows_affected_ = -1;
+  if (parameters.size() != static_cast<std::size_t>(parameter_count_))
+    raise(AFX_SQL_ERROR_PARAMETER_COUNT, "07002",
+          "The statement has " + std::to_string(parameter_count_) + " parameters, " +
+              std::to_string(parameters.size()) + " values were given.");
+  for (int i = 0; i < parameter_count_; ++i)
+    bind(i + 1, parameters[static_cast<std::size_t>(i)]);
+  const auto changes_before = writes_ ? sqlite3_total_changes64(session_.db()) : 0;
+  const bool has_row = step();
+  state_ = has_row ? State::first_row : State::at_end;
+  // A statement that changed nothing leaves the count of the one before it in place.
+  if (writes_)
+    rows_affected_ = sqlite3_total_changes64(session_.db()) == changes_before ? 0 : sqlite3_changes64(session_.db());
+}
+
+bool SqliteStatement::fetch() {
+  switch (state_) {
+    case State::row:
+      if (step()) return true;
+      state_ = State::at_end;
+      return false;
+    case State::first_row:
+      state_ = State::row;
+      return true;
+    case State::closed:
+    case State::at_end:
+      break;
+  }
+  return false;
+}
+
+void SqliteStatement::close() noexcept {
+  if (state_ == State::first_row || state_ == State::row) {
+    session_.gate().release("sqlite3_reset");
+    sqlite3_reset(statement_);
+  }
+  state_ = State::closed;
+}
+
+bool SqliteStatement::step() {
+  if (session_.gate().refused("sqlite3_step")) fail_step(session_.gate().refusal());
+  session_.arm_timeout();
+  const int code = sqlite3_step(statement_);
+  if (code == SQLITE_ROW) {
+    columns_ = static_cast<unsigned>(sqlite3_data_count(statement_));
+    return true;
+  }
+  if (code != SQLITE_DONE) fail_step(session_.diagnose(code));
+  // Gives locks and the snapshot back at once, not at the next use.
+  sqlite3_reset(statement_);
+  return false;
+}
+
+void SqliteStatement::fail_step(const Diagnostic& diagnostic) {
+  sqlite3_reset(statement_);
+  state_ = State::closed;
+  raise(diagnostic);
+}
+
+void SqliteStatement::bind(int position, const Parameter& parameter) {
+  if (session_.gate().refused("sqlite3_bind")) raise(session_.gate().refusal());
+  int code = SQLITE_OK;
+  if (parameter.is_null) {
+    code = sqlite3_bind_null(statement_, position);
+  } else {
+    switch (parameter.kind) {
+      case ValueKind::integer:
+        code = sqlite3_bind_int64(statement_, position, parameter.integer);
+        break;
+      case ValueKind::real:
+        // SQLite would store a null in its place.
+        if (std::isnan(parameter.real)) raise(-1, "22003", "A value that is not a number (NaN) cannot be stored.");
+        code = sqlite3_bind_double(statement_, position, parameter.real);
+        break;
+      case ValueKind::text:
+        code = bind_text(position, parameter.text);
+        break;
+      case ValueKind::moment:
+        code = bind_moment(position, parameter.moment);
+        break;
+    }
+  }
+  if (code != SQLITE_OK) raise(session_.diagnose(code));
+}
+
+int SqliteStatement::bind_text(int position, std::string_view text) {
+  // While rows are read SQLite goes on referring to the parameters, and the caller's text may be gone by then.
+  if (columns_ != 0) {
+    kept_texts_.resize(static_cast<std::size_t>(parameter_count_));
+    auto& kept = kept_texts_[static_cast<std::size_t>(position - 1)];
+    kept.assign(text);
+    text = kept;
+  }
+  const char* bytes = text.data() != nullptr ? text.data() : "";
+  return sqlite3_bind_text64(statement_, position, bytes, text.size(), SQLITE_STATIC, SQLITE_UTF8);
+}
+
+int SqliteStatement::bind_moment(int position, const TIMESTAMP_STRUCT& moment) {
+  if (!is_moment(moment)) raise(-1, "22007", "The value is not a moment of the calendar.");
+  const auto text = format_moment(moment);
+  kept_texts_.resize(static_cast<std::size_t>(parameter_count_));
+  auto& kept = kept_texts_[static_cast<std::size_t>(position - 1)];
+  kept.assign(text.data(), text.size());
+  return sqlite3_bind_text64(statement_, position, kept.data(), kept.size(), SQLITE_STATIC, SQLITE_UTF8);
+}
+
+int SqliteStatement::type_of(unsigned column) const {
+  if (state_ != State::row) raise(AFX_SQL_ERROR_NO_CURRENT_RECORD, "24000", "There is no current row.");
+  if (column >= columns_)
+    raise(AFX_SQL_ERROR_FIELD_SCHEMA_MISMATCH, "07009",
+          "The row has " + std::to_string(columns_) + " columns; column " + std::to_string(column + 1) +
+              " was asked for.");
+  return sqlite3_column_type(statement_, static_cast<int>(column));
+}
+
+std::string_view SqliteStatement::stored_text(unsigned column) const noexcept {
+  const int index = static_cast<int>(column);
+  const void* bytes = sqlite3_column_text(statement_, index);
+  const int length = sqlite3_column_bytes(statement_, index);
+  return {length == 0 ? "" : static_cast<const char*>(bytes), static_cast<std::size_t>(length)};
+}
+
+bool SqliteStatement::integer(unsigned column, std::int64_t& value) {
+  Whole whole = Whole::yes;
+  switch (type_of(column)) {
+    case SQLITE_INTEGER:
+      value = sqlite3_column_int64(statement_, static_cast<int>(column));
+      return true;
+    case SQLITE_NULL:
+      return false;
+    case SQLITE_FLOAT:
+      whole = to_whole(sqlite3_column_double(statement_, static_cast<int>(column)), value);
+      break;
+    case SQLITE_TEXT:
+      whole = to_whole(stored_text(column), value);
+      break;
+    default:
+      whole = Whole::fraction;
+  }
+  if (whole == Whole::fraction) refuse_value(column, "22018", "a whole number");
+  if (whole == Whole::too_large) refuse_value(column, "22003", "a whole number of 64 bits");
+  return true;
+}
+
+bool SqliteStatement::real(unsigned column, double& value) {
+  switch (type_of(column)) {
+    case SQLITE_FLOAT:
+    case SQLITE_INTEGER:
+      value = sqlite3_column_double(statement_, static_cast<int>(column));
+      return true;
+    case SQLITE_NULL:
+      return false;
+    case SQLITE_TEXT:
+      if (parse_number(stored_text(column), value)) return true;
+      [[fallthrough]];
+    default:
+      refuse_value(column, "22018", "a number");
+  }
+}
+
+bool SqliteStatement::text(unsigned column, std::string_view& value) {
+  const int type = type_of(column);
+  if (type == SQLITE_NULL) return false;
+  const auto read = type == SQLITE_TEXT || type == SQLITE_BLOB ? stored_text(column) : number_text(column, type);
+  const int width = column < widths_.size() ? widths_[column] : 0;
+  if (width > 0 && read.size() > static_cast<std::size_t>(width) &&
+      count_characters(read) > static_cast<std::size_t>(width))
+    refuse_width(column, width);
+  value = read;
+  return true;
+}
+
+std::string_view SqliteStatement::number_text(unsigned column, int type) {
+  // SQLite's own conversion keeps 15 digits.
+  constexpr std::size_t longest = 32;
+  if (number_texts_.size() < columns_) number_texts_.resize(columns_);
+  auto& text = number_texts_[column];
+  text.resize(longest);
+  const int index = static_cast<int>(column);
+  const auto [end, error] =
+      type == SQLITE_INTEGER
+          ? std::to_chars(text.data(), text.data() + longest, sqlite3_column_int64(statement_, index))
+          : std::to_chars(text.data(), text.data() + longest, sqlite3_column_double(statement_, index));
+  static_cast<void>(error);
+  text.resize(static_cast<std::size_t>(end - text.data()));
+  return text;
+}
+
+bool SqliteStatement::moment(unsigned column, TIMESTAMP_STRUCT& value) {
+  const int type = type_of(column);
+  if (type == SQLITE_NULL) return false;
+  if (type != SQLITE_TEXT || !parse_moment(stored_text(column), value)) refuse_value(column, "22007", "a moment");
+  return true;
+}
+
+void SqliteStatement::refuse_value(unsigned column, const char* sqlstate, const char* wanted) const {
+  const char* name = sqlite3_column_name(statement_, static_cast<int>(column));
+  raise(-1, sqlstate, std::string("The value of column ") + (name != nullptr ? name : "?") + " is not " + wanted + ".");
+}
+
+void SqliteStatement::refuse_width(unsigned column, int width) const {
+  const char* name = sqlite3_column_name(statement_, static_cast<int>(column));
+  raise(AFX_SQL_ERROR_DATA_TRUNCATED, "22001",
+        std::string("The text of column ") + (name != nullptr ? name : "?") + " is longer than " +
+            std::to_string(width) + " characters.");
+}
+
+ColumnInfo SqliteStatement::describe(unsigned column) {
+  const int index = static_cast<int>(column);
+  if (column >= static_cast<unsigned>(sqlite3_column_count(statement_)))
+    raise(AFX_SQL_ERROR_FIELD_SCHEMA_MISMATCH, "07009", "The statement has no such column.");
+  if (session_.gate().refused("sqlite3_column_decltype")) raise(session_.gate().refusal());
+  ColumnInfo info;
+  const char* name = sqlite3_column_name(statement_, index);
+  info.name = name != nullptr ? name : "";
+  const char* declared = sqlite3_column_decltype(statement_, index);
+  describe_sqlite_type(declared != nullptr ? declared : "", info);
+  const char* table = sqlite3_column_table_name(statement_, index);
+  const char* origin = sqlite3_column_origin_name(statement_, index);
+  int not_null = 0;
+  if (table != nullptr && origin != nullptr &&
+      sqlite3_table_column_metadata(session_.db(), sqlite3_column_database_name(statement_, index), table, origin,
+                                    nullptr, nullptr, &not_null, nullptr, nullptr) == SQLITE_OK)
+    info.nullability = not_null != 0 ? 0 : 1;
+  return info;
+}
+
+}  // namespace spcdb
