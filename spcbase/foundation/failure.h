@@ -99,7 +99,8 @@ SPCBASE_API CString get_exception_error_message(CException* exception);
 
 /// Takes the thread's automation error object, which clears it.
 /// Null:    `guid` may be null.
-/// Returns  false when there is no object; nothing is written then. A text that the object does not give stays as it was.
+/// Returns  false when there is no object; nothing is written then. A text that the object does not give stays as it
+/// was.
 SPCBASE_API bool get_err_info_data(CString& description, CString& source, _GUID* guid);
 
 /// Makes an automation error object and publishes it as the thread's current one.

@@ -33,7 +33,7 @@ enum class Kind : unsigned char { number, text, moment, real };
 template <class Owner, class Value>
 struct Column {
   const char* name;
-  Value Owner::* member;
+  Value Owner::*member;
   int width_chars;  ///< of a text, else 0
   bool is_key;
 
@@ -46,13 +46,13 @@ struct Column {
 
 /// A column that does not tell rows apart.
 template <class Owner, class Value>
-constexpr Column<Owner, Value> field(const char* name, Value Owner::* member, int width_chars = 0) {
+constexpr Column<Owner, Value> field(const char* name, Value Owner::*member, int width_chars = 0) {
   return {name, member, width_chars, false};
 }
 
 /// A column of the key.
 template <class Owner, class Value>
-constexpr Column<Owner, Value> key(const char* name, Value Owner::* member, int width_chars = 0) {
+constexpr Column<Owner, Value> key(const char* name, Value Owner::*member, int width_chars = 0) {
   return {name, member, width_chars, true};
 }
 
@@ -102,8 +102,8 @@ inline void exchange_all(Owner& owner, const std::tuple<Columns...>& columns, CF
 
 }  // namespace coltab
 
-/// What all recordsets with a column table share. `Derived` has `source` and `columns`, and `parameters` when its filter
-/// holds `?`; `Base` is CRecordsetFix for the tables of the schema.
+/// What all recordsets with a column table share. `Derived` has `source` and `columns`, and `parameters` when its
+/// filter holds `?`; `Base` is CRecordsetFix for the tables of the schema.
 template <class Derived, class Base = CRecordsetFix>
 class TableRecordset : public Base {
  public:

@@ -18,10 +18,9 @@ class CRSCharInProfile : public TableRecordset<CRSCharInProfile> {
   long seqno = 0;
 
   static constexpr const char* source = "CSCINPV";
-  static constexpr auto columns =
-      coltab::table(coltab::key("[PROFID]", &CRSCharInProfile::profid),
-                    coltab::key("[CHRTID]", &CRSCharInProfile::chrtid),
-                    coltab::field("[SEQNO]", &CRSCharInProfile::seqno));
+  static constexpr auto columns = coltab::table(coltab::key("[PROFID]", &CRSCharInProfile::profid),
+                                                coltab::key("[CHRTID]", &CRSCharInProfile::chrtid),
+                                                coltab::field("[SEQNO]", &CRSCharInProfile::seqno));
 };
 
 /// A label in a profile; `alflg` is "YES" for one that fills itself.
@@ -35,14 +34,13 @@ class CRSLabelInProfile : public TableRecordset<CRSLabelInProfile> {
   CString alflg;
 
   static constexpr const char* source = "CSLINPV";
-  static constexpr auto columns = coltab::table(coltab::key("[PROFID]", &CRSLabelInProfile::profid),
-                                                coltab::key("[LABELID]", &CRSLabelInProfile::labelid),
-                                                coltab::field("[SEQNO]", &CRSLabelInProfile::seqno),
-                                                coltab::field("[ALFLG]", &CRSLabelInProfile::alflg, 255));
+  static constexpr auto columns = coltab::table(
+      coltab::key("[PROFID]", &CRSLabelInProfile::profid), coltab::key("[LABELID]", &CRSLabelInProfile::labelid),
+      coltab::field("[SEQNO]", &CRSLabelInProfile::seqno), coltab::field("[ALFLG]", &CRSLabelInProfile::alflg, 255));
 };
 
-/// The two lists of a profile with the names of what is in it. They serve one function of data entry and are opened with
-/// the whole statement that stands beside them; the `%ld` is the profile.
+/// The two lists of a profile with the names of what is in it. They serve one function of data entry and are opened
+/// with the whole statement that stands beside them; the `%ld` is the profile.
 namespace profile_lists {
 
 class CRSCharInProfile2 : public CRSCharInProfile {
@@ -61,10 +59,9 @@ class CRSCharInProfile2 : public CRSCharInProfile {
       "SELECT PROFID, CSCINP.CHRTID, SEQNO, NAME, DESCR, CTYPE FROM CSCINP, CSCHRTV WHERE CSCINP.CHRTID=CSCHRTV.CHRTID "
       "AND PROFID=%ld";
   static constexpr auto columns = std::tuple_cat(
-      CRSCharInProfile::columns,
-      coltab::table(coltab::field("[NAME]", &CRSCharInProfile2::name, 255),
-                    coltab::field("[DESCR]", &CRSCharInProfile2::descr, 255),
-                    coltab::field("[CTYPE]", &CRSCharInProfile2::ctype, 255)));
+      CRSCharInProfile::columns, coltab::table(coltab::field("[NAME]", &CRSCharInProfile2::name, 255),
+                                               coltab::field("[DESCR]", &CRSCharInProfile2::descr, 255),
+                                               coltab::field("[CTYPE]", &CRSCharInProfile2::ctype, 255)));
 };
 
 class CRSLabelInProfile2 : public CRSLabelInProfile {
@@ -83,10 +80,9 @@ class CRSLabelInProfile2 : public CRSLabelInProfile {
       "SELECT PROFID, CSLINP.LABELID, SEQNO, ALFLG, LTYPE, NAME, LISTTYPE FROM CSLINP, CSLABELV WHERE "
       "CSLINP.LABELID=CSLABELV.LABELID AND PROFID=%ld AND ALFLG<>'YES'";
   static constexpr auto columns = std::tuple_cat(
-      CRSLabelInProfile::columns,
-      coltab::table(coltab::field("[LTYPE]", &CRSLabelInProfile2::ltype, 255),
-                    coltab::field("[NAME]", &CRSLabelInProfile2::name, 255),
-                    coltab::field("[LISTTYPE]", &CRSLabelInProfile2::listtype, 255)));
+      CRSLabelInProfile::columns, coltab::table(coltab::field("[LTYPE]", &CRSLabelInProfile2::ltype, 255),
+                                                coltab::field("[NAME]", &CRSLabelInProfile2::name, 255),
+                                                coltab::field("[LISTTYPE]", &CRSLabelInProfile2::listtype, 255)));
 };
 
 }  // namespace profile_lists
@@ -103,11 +99,10 @@ class CRSLabel : public TableRecordset<CRSLabel> {
   CString deflg;
 
   static constexpr const char* source = "CSLABELV";
-  static constexpr auto columns =
-      coltab::table(coltab::key("[LABELID]", &CRSLabel::labelid), coltab::field("[NAME]", &CRSLabel::name, 255),
-                    coltab::field("[LTYPE]", &CRSLabel::ltype, 255),
-                    coltab::field("[LISTTYPE]", &CRSLabel::listtype, 255),
-                    coltab::field("[DEFLG]", &CRSLabel::deflg, 255));
+  static constexpr auto columns = coltab::table(
+      coltab::key("[LABELID]", &CRSLabel::labelid), coltab::field("[NAME]", &CRSLabel::name, 255),
+      coltab::field("[LTYPE]", &CRSLabel::ltype, 255), coltab::field("[LISTTYPE]", &CRSLabel::listtype, 255),
+      coltab::field("[DEFLG]", &CRSLabel::deflg, 255));
 };
 
 /// A station.
@@ -134,10 +129,9 @@ class CRSUsers : public TableRecordset<CRSUsers> {
   CString password;
 
   static constexpr const char* source = "[CSUSERV]";
-  static constexpr auto columns =
-      coltab::table(coltab::key("USERID", &CRSUsers::userid), coltab::field("NAME", &CRSUsers::name, 255),
-                    coltab::field("FULLNAME", &CRSUsers::fullname, 255),
-                    coltab::field("PASSWORD", &CRSUsers::password, 255));
+  static constexpr auto columns = coltab::table(
+      coltab::key("USERID", &CRSUsers::userid), coltab::field("NAME", &CRSUsers::name, 255),
+      coltab::field("FULLNAME", &CRSUsers::fullname, 255), coltab::field("PASSWORD", &CRSUsers::password, 255));
 };
 
 /// A sample. `ctime` is local time.
@@ -231,10 +225,10 @@ class CRSLabelData : public TableRecordset<CRSLabelData> {
   CString labvalue;
 
   static constexpr const char* source = "[CSLDAT]";
-  static constexpr auto columns = coltab::table(
-      coltab::key("[SAMPID]", &CRSLabelData::sampid), coltab::key("[CHRTID]", &CRSLabelData::chrtid),
-      coltab::key("[LABELID]", &CRSLabelData::labelid), coltab::key("[PIECENO]", &CRSLabelData::pieceno),
-      coltab::field("[LABVALUE]", &CRSLabelData::labvalue, 513));
+  static constexpr auto columns =
+      coltab::table(coltab::key("[SAMPID]", &CRSLabelData::sampid), coltab::key("[CHRTID]", &CRSLabelData::chrtid),
+                    coltab::key("[LABELID]", &CRSLabelData::labelid), coltab::key("[PIECENO]", &CRSLabelData::pieceno),
+                    coltab::field("[LABVALUE]", &CRSLabelData::labvalue, 513));
 };
 
 /// A value that labels may take. Rows are added through this view.
@@ -278,8 +272,7 @@ class CRSSearchLabelValue : public TableRecordset<CRSSearchLabelValue> {
   static constexpr const char* source = "[CSVINL], [CSVALUE]";
   static constexpr auto columns = coltab::table(coltab::field("[CSVINL].[LABELID]", &CRSSearchLabelValue::labelid),
                                                 coltab::field("[CSVINL].[VALUEID]", &CRSSearchLabelValue::valueid));
-  static constexpr auto parameters =
-      coltab::table(coltab::field("[CSVALUE].[NAME]", &CRSSearchLabelValue::name, 513));
+  static constexpr auto parameters = coltab::table(coltab::field("[CSVALUE].[NAME]", &CRSSearchLabelValue::name, 513));
 };
 
 /// The approval state of a sample.

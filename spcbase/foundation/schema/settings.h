@@ -12,7 +12,12 @@ class RSINI : public TableRecordset<RSINI, RSWithHint> {
   /// comment for all but Oracle.
   RSINI(CDatabase* database, bool hint) : TableRecordset(database, hint) {}
 
-  void DoFieldExchange(CFieldExchange* exchange) override;
+  void DoFieldExchange(CFieldExchange* exchange) override {
+    const bool writes_select = exchange->m_nOperation == CFieldExchange::Name && exchange->m_pstr != nullptr &&
+                               exchange->m_pstr->Left(6).CompareNoCase("select") == 0;
+    if (use_hint && writes_select) *exchange->m_pstr += " /*+ result_cache */ ";
+    TableRecordset::DoFieldExchange(exchange);
+  }
 
   CString qual;
   CString sect;
