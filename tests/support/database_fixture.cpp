@@ -1,0 +1,207 @@
+#include "tests/support/database_fixture.h"
+
+#include <sqlite3.h>
+
+#include <filesystem>
+#include <stdexcept>
+
+#include "schema/ddl.h"
+#include "schema/description.h"
+#include "tests/support/private_server.h"
+#include "tests/support/raw_odbc.h"
+#include "tests/support/scratch_folder.h"
+
+namespace test_support {
+
+const char* name_of(ServerKind kind) {
+  switch (kind) {
+    case ServerKind::sqlite:
+      return "sqlite";
+    case ServerKind::mariadb:
+      return "mariadb";
+    case ServerKind::sqlite_odbc:
+      return "sqlite_odbc";
+  }
+  return "unknown";
+}
+
+std::string server_name(const testing::TestParamInfo<ServerKind>& info) { return name_of(info.param); }
+
+class SchemaDatabase::Place {
+ public:
+  Place() = default;
+  Place(const Place&) = delete;
+  Place& operator=(const Place&) = delete;
+  virtual ~Place() = default;
+
+  virtual ServerKind kind() const = 0;
+  virtual std::string connect_text() const = 0;
+  virtual std::string raw_odbc_text() const = 0;
+  virtual std::vector<Row> rows(const std::string& statement) = 0;
+  virtual void spoil() = 0;
+};
+
+namespace {
+
+using Row = SchemaDatabase::Row;
+
+// An SQLite file, beside the code under test.
+class PlainSqlite {
+ public:
+  explicit PlainSqlite(const std::string& file) {
+    if (sqlite3_open(file.c_str(), &database_) != SQLITE_OK) throw std::runtime_error("cannot open " + file);
+    sqlite3_busy_timeout(database_, 2000);
+  }
+  ~PlainSqlite() { sqlite3_close(database_); }
+  PlainSqlite(const PlainSqlite&) = delete;
+  PlainSqlite& operator=(const PlainSqlite&) = delete;
+
+  std::vector<Row> rows(const std::string& statement) {
+    std::vector<Row> all;
+    char* why = nullptr;
+    if (sqlite3_exec(database_, statement.c_str(), &PlainSqlite::add_row, &all, &why) == SQLITE_OK) return all;
+    const std::string text = std::string(why) + " in: " + statement;
+    sqlite3_free(why);
+    throw std::runtime_error(text);
+  }
+
+ private:
+  static int add_row(void* all, int columns, char** values, char** /*names*/) {
+    Row& row = static_cast<std::vector<Row>*>(all)->emplace_back();
+    for (int i = 0; i < columns; ++i)
+      row.push_back(values[i] == nullptr ? std::nullopt : std::optional<std::string>(values[i]));
+    return 0;
+  }
+
+  sqlite3* database_ = nullptr;
+};
+
+// The file that every SQLite database of this program is a copy of.
+const std::string& sqlite_template() {
+  static const ScratchFolder folder;
+  static const std::string made = [] {
+    const std::string file = folder.file("template.db");
+    PlainSqlite database(file);
+    database.rows("BEGIN");
+    for (const auto& statement : schema::create_statements(schema::Server::sqlite))
+      database.rows(statement);
+    database.rows("COMMIT");
+    return file;
+  }();
+  return made;
+}
+
+class SqlitePlace : public SchemaDatabase::Place {
+ public:
+  explicit SqlitePlace(bool odbc) : odbc_(odbc) { std::filesystem::copy_file(sqlite_template(), file_); }
+
+  ServerKind kind() const override { return odbc_ ? ServerKind::sqlite_odbc : ServerKind::sqlite; }
+  std::string connect_text() const override { return odbc_ ? raw_odbc_text() : "sqlite:" + file_; }
+  std::string raw_odbc_text() const override {
+    return "Driver=SQLite3;Database=" + file_ + ";FKSupport=1;Timeout=2000";
+  }
+  std::vector<Row> rows(const std::string& statement) override {
+    if (plain_ == nullptr) plain_ = std::make_unique<PlainSqlite>(file_);
+    return plain_->rows(statement);
+  }
+  void spoil() override {}
+
+ private:
+  bool odbc_;
+  ScratchFolder folder_;
+  std::string file_ = folder_.file("plant.db");
+  std::unique_ptr<PlainSqlite> plain_;
+};
+
+// A database of the private server, kept for the next test.
+class MariaDbDatabase {
+ public:
+  MariaDbDatabase() : database_(PrivateMariaDb::shared().create_database()), plain_(database_.odbc_connect_text()) {
+    for (const auto& statement : schema::create_statements(schema::Server::mysql))
+      plain_.execute(statement);
+  }
+
+  void empty() {
+    plain_.execute("SET FOREIGN_KEY_CHECKS = 0");
+    for (const auto& table : schema::tables())
+      plain_.execute("DELETE FROM " + std::string(table.name));
+    plain_.execute("SET FOREIGN_KEY_CHECKS = 1");
+    for (const auto& number : schema::running_numbers()) {
+      plain_.execute("DELETE FROM " + std::string(number.counter));
+      plain_.execute("INSERT INTO " + std::string(number.counter) + " VALUES (0)");
+    }
+  }
+
+  std::string odbc_connect_text() const { return database_.odbc_connect_text(); }
+  RawOdbc& plain() { return plain_; }
+
+ private:
+  TestDatabase database_;
+  RawOdbc plain_;
+};
+
+std::unique_ptr<MariaDbDatabase>& kept_mariadb() {
+  PrivateMariaDb::shared();  // made before, so that it ends after the database
+  static std::unique_ptr<MariaDbDatabase> kept;
+  return kept;
+}
+
+class MariaDbPlace : public SchemaDatabase::Place {
+ public:
+  MariaDbPlace() {
+    auto& kept = kept_mariadb();
+    if (kept == nullptr) kept = std::make_unique<MariaDbDatabase>();
+    kept->empty();
+  }
+
+  ServerKind kind() const override { return ServerKind::mariadb; }
+  std::string connect_text() const override { return raw_odbc_text(); }
+  std::string raw_odbc_text() const override { return kept_mariadb()->odbc_connect_text(); }
+  std::vector<Row> rows(const std::string& statement) override {
+    // Another connection's commit must be seen: no snapshot of this connection may stand in the way.
+    return kept_mariadb()->plain().rows(statement);
+  }
+  void spoil() override { spoiled_ = true; }
+  ~MariaDbPlace() override {
+    if (spoiled_) kept_mariadb().reset();
+  }
+
+ private:
+  bool spoiled_ = false;
+};
+
+}  // namespace
+
+SchemaDatabase::SchemaDatabase(ServerKind kind) {
+  if (kind == ServerKind::mariadb)
+    place_ = std::make_unique<MariaDbPlace>();
+  else
+    place_ = std::make_unique<SqlitePlace>(kind == ServerKind::sqlite_odbc);
+}
+
+SchemaDatabase::~SchemaDatabase() = default;
+
+ServerKind SchemaDatabase::kind() const { return place_->kind(); }
+std::string SchemaDatabase::connect_text() const { return place_->connect_text(); }
+std::string SchemaDatabase::raw_odbc_text() const { return place_->raw_odbc_text(); }
+void SchemaDatabase::execute(const std::string& statement) { place_->rows(statement); }
+std::vector<SchemaDatabase::Row> SchemaDatabase::rows(const std::string& statement) { return place_->rows(statement); }
+void SchemaDatabase::spoil() { place_->spoil(); }
+
+std::string SchemaDatabase::value(const std::string& statement) {
+  const auto found = rows(statement);
+  if (found.empty() || found.front().empty()) return "no row";
+  return found.front().front().value_or("NULL");
+}
+
+DatabaseTest::DatabaseTest() : database_(GetParam()) { db_.OpenEx(database_.connect_text().c_str()); }
+
+DatabaseTest::~DatabaseTest() { db_.Close(); }
+
+std::unique_ptr<CDatabaseEx> DatabaseTest::second_connection() {
+  auto other = std::make_unique<CDatabaseEx>();
+  other->OpenEx(database_.connect_text().c_str());
+  return other;
+}
+
+}  // namespace test_support
