@@ -28,7 +28,7 @@ class HeldClock {
 
  private:
   Moment moment_;
-  HeldClock* outer_;
+  const HeldClock* outer_;
 };
 
 }  // namespace platform
