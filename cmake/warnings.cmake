@@ -5,8 +5,6 @@ target_compile_options(spcbase_warnings INTERFACE
   $<$<BOOL:${SPCBASE_WERROR}>:-Werror>
   # g++ 12 warns of overlaps inside its own std::string that cannot happen (its defect 105651).
   $<$<CXX_COMPILER_ID:GNU>:-Wno-restrict>
-  # False alarms of GCC 12 about texts that are joined, gone in 13.
-  $<$<AND:$<CXX_COMPILER_ID:GNU>,$<VERSION_LESS:$<CXX_COMPILER_VERSION>,13>>:-Wno-restrict>
   -fno-semantic-interposition)
 
 add_library(spcbase_sanitizers INTERFACE)
