@@ -57,6 +57,8 @@ class SPCBASE_API _bstr_t {
 
   /// Character by character, unsigned; null comes before every other text, the empty one too.
   friend SPCBASE_API bool operator==(const _bstr_t& left, const _bstr_t& right) noexcept;
+  friend SPCBASE_API bool operator==(const _bstr_t& left, const char* right);
+  friend SPCBASE_API bool operator==(const _bstr_t& left, const char16_t* right) noexcept;
   friend SPCBASE_API std::strong_ordering operator<=>(const _bstr_t& left, const _bstr_t& right) noexcept;
 
  private:

@@ -14,7 +14,7 @@
 #include "spcbase/platform/automation/com_error.h"
 #include "spcbase/platform/automation/unknown.h"
 
-namespace detail {
+namespace automation_detail {
 
 /// What the two pointers share: one counted reference.
 template <class T>
@@ -71,12 +71,12 @@ T* query(IUnknown* object, HRESULT& result) {
   return SUCCEEDED(result) ? static_cast<T*>(found) : nullptr;
 }
 
-}  // namespace detail
+}  // namespace automation_detail
 
 /// The pointer that the automation interfaces of the tree are passed in.
 template <class T>
-class _com_ptr_t : public detail::counted_pointer<T> {
-  using base = detail::counted_pointer<T>;
+class _com_ptr_t : public automation_detail::counted_pointer<T> {
+  using base = automation_detail::counted_pointer<T>;
 
  public:
   using Interface = T;
@@ -119,8 +119,8 @@ namespace ATL {
 
 /// The pointer that the failure model hands error objects out in.
 template <class T>
-class CComPtr : public detail::counted_pointer<T> {
-  using base = detail::counted_pointer<T>;
+class CComPtr : public automation_detail::counted_pointer<T> {
+  using base = automation_detail::counted_pointer<T>;
 
  public:
   using base::base;
@@ -141,7 +141,7 @@ class CComPtr : public detail::counted_pointer<T> {
   HRESULT QueryInterface(Q** target) const {
     if (target == nullptr) return E_POINTER;
     HRESULT result = S_OK;
-    *target = detail::query<Q>(base::raw(), result);
+    *target = automation_detail::query<Q>(base::raw(), result);
     return result;
   }
 };

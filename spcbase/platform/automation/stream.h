@@ -55,7 +55,7 @@ struct IStream : ISequentialStream {
   virtual HRESULT Seek(LARGE_INTEGER distance, DWORD origin, ULARGE_INTEGER* position) = 0;
   /// Cuts the stream or lets it grow by zeros; the position stays. Fails: STG_E_MEDIUMFULL.
   virtual HRESULT SetSize(ULARGE_INTEGER size) = 0;
-  /// Copies from here to another stream at its position. Fails: as its Write.
+  /// Copies from here, up to the present end, to another stream at its position. Fails: as its Write.
   virtual HRESULT CopyTo(IStream* target, ULARGE_INTEGER size, ULARGE_INTEGER* read_bytes,
                          ULARGE_INTEGER* written_bytes) = 0;
   virtual HRESULT Commit(DWORD flags) = 0;

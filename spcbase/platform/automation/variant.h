@@ -3,8 +3,9 @@
 /// Part of the platform layer (automation). `vt` says which member of the union counts. A value of the types BSTR,
 /// UNKNOWN, DISPATCH or ARRAY belongs to the variant and goes with `VariantClear`; with VT_BYREF it belongs to others.
 ///
-/// Differs: no decimals and no records: VT_DECIMAL and VT_RECORD cannot stand in a variant (DISP_E_BADVARTYPE). The
-/// currency has only its 64-bit form. Objects have no default property, so they change only into other interfaces.
+/// Differs: decimals are carried as bytes but not converted (DISP_E_TYPEMISMATCH), and there are no records
+/// (DISP_E_BADVARTYPE). The currency has only its 64-bit form. Objects have no default property, so they change only
+/// into other interfaces.
 #pragma once
 
 #include "spcbase/platform/automation/bstr.h"

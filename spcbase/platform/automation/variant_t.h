@@ -40,6 +40,7 @@ class SPCBASE_API _variant_t : public tagVARIANT {
   _variant_t(char value) noexcept;
   _variant_t(unsigned short value) noexcept;
   _variant_t(unsigned int value) noexcept;
+  _variant_t(unsigned long value);
   _variant_t(long long value) noexcept;
   _variant_t(unsigned long long value) noexcept;
   ~_variant_t();
@@ -61,6 +62,7 @@ class SPCBASE_API _variant_t : public tagVARIANT {
   operator char() const;
   operator unsigned short() const;
   operator unsigned int() const;
+  operator unsigned long() const;
   operator long long() const;
   operator unsigned long long() const;
   /// The object with a reference added. Owns: the caller.
