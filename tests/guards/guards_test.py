@@ -121,6 +121,10 @@ class Texts(Guard):
         self.plant("spcbase/time/a.cpp", "int a;  // TO" + "DO later\n")
         self.expect_find(self.guard, "spcbase/time/a.cpp:1: ", "finish it")
 
+    def test_recorded_answers_are_kept_word_for_word(self):
+        self.plant("tests/data/vectors/a.tsv", "not impl" + "emented\n")
+        self.expect_clean(self.guard)
+
     def test_a_sleeping_test_is_found(self):
         self.plant("tests/time/a_test.cpp", "TEST(A, DIS" + "ABLED_b) {}\n")
         self.expect_find(self.guard, "tests/time/a_test.cpp:1: ", "proves nothing")
