@@ -1,0 +1,15 @@
+#include "bench/jobs.h"
+
+namespace bench {
+
+std::vector<Job> all_jobs() { return {save_sample(), read_sample(), scan(), open_row(), scan_memory()}; }
+
+Tally OurWork::statements_of_one() {
+  TallyObserver observer;
+  db_->set_observer(&observer);
+  run(1);
+  db_->set_observer(nullptr);
+  return observer.tally;
+}
+
+}  // namespace bench

@@ -1,0 +1,96 @@
+/// The jobs that are measured. To add one: write a file with a function that returns a `Job`, name it in `all_jobs`.
+#pragma once
+
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "bench/plant.h"
+#include "bench/tally.h"
+
+namespace bench {
+
+/// One side of a job.
+class Work {
+ public:
+  virtual ~Work() = default;
+  /// Does the work so many times.
+  virtual void run(long times) = 0;
+  /// Does it once and tells which statements were sent for it.
+  virtual Tally statements_of_one() = 0;
+  /// A number that both sides must agree on when each has done the work equally often; it depends on every value that
+  /// was read or written.
+  virtual double result() = 0;
+};
+
+/// Both sides.
+struct Pair {
+  std::unique_ptr<Work> ours;
+  std::unique_ptr<Work> plain;
+};
+
+/// What one line of memory says: how far the peak grew while the work was done.
+struct Growth {
+  double ours_mib = 0;
+  double plain_mib = 0;
+};
+
+/// One line of the table for each server. Either `pair` is set, and times are measured, or `growth`.
+struct Job {
+  std::string name;
+  double sqlite_limit = 0;  ///< times plain, or MiB
+  double mariadb_limit = 0;
+  Pair (*pair)(Plant&) = nullptr;
+  Growth (*growth)(Plant&) = nullptr;
+
+  double limit(Server server) const { return server == Server::sqlite ? sqlite_limit : mariadb_limit; }
+};
+
+Job save_sample();
+Job read_sample();
+Job scan();
+Job open_row();
+Job scan_memory();
+
+/// Every job, in the order of the table.
+std::vector<Job> all_jobs();
+
+/// Our side on a connection of its own.
+class OurWork : public Work {
+ public:
+  explicit OurWork(const Place& place) : db_(open_ours(place)) {}
+  Tally statements_of_one() override;
+
+ protected:
+  CDatabase& db() { return *db_; }
+
+ private:
+  std::unique_ptr<CDatabase> db_;
+};
+
+/// The plain side on a connection of its own.
+template <class Database>
+class PlainWork : public Work {
+ public:
+  explicit PlainWork(const Place& place) : db_(place.plain_text) {}
+  Tally statements_of_one() override {
+    const Tally before = db_.tally();
+    run(1);
+    Tally sent = db_.tally();
+    for (const auto& [shape, count] : before)
+      if ((sent[shape] -= count) == 0) sent.erase(shape);
+    return sent;
+  }
+
+ protected:
+  Database db_;
+};
+
+/// The plain side for the server of a place; `Side` is a template over the connection.
+template <template <class> class Side>
+std::unique_ptr<Work> make_plain(const Place& place) {
+  if (place.server == Server::sqlite) return std::make_unique<Side<PlainSqlite>>(place);
+  return std::make_unique<Side<PlainOdbc>>(place);
+}
+
+}  // namespace bench
