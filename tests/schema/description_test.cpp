@@ -33,7 +33,8 @@ const schema::View& view_of(std::string_view name) {
   return *std::ranges::find(schema::views(), name, &schema::View::name);
 }
 
-std::vector<std::string_view> shared_columns(std::vector<std::string_view> first, std::vector<std::string_view> second) {
+std::vector<std::string_view> shared_columns(std::vector<std::string_view> first,
+                                             std::vector<std::string_view> second) {
   std::ranges::sort(first);
   std::ranges::sort(second);
   std::vector<std::string_view> both;

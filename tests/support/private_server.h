@@ -6,7 +6,8 @@
 ///     open(database.odbc_connect_text());
 ///
 /// A test that kills its server makes one of its own: `test_support::PrivateMariaDb server;`. A server that does not
-/// start is a failure of the test, with the server's log in its text; it is never a reason to pass over the test.
+/// start is a failure of the test, with the server's log on standard error; it is never a reason to pass over the test.
+/// A child that a test forks leaves through `_exit`: else it would drop its parent's databases.
 #pragma once
 
 #include <memory>
@@ -43,7 +44,7 @@ class PrivateMariaDb {
  public:
   /// The server of the whole run when the run announces one, else one for this program, started at the first call and
   /// stopped at the program's end. Never to be killed by a test.
-  /// Fails: std::runtime_error with the server's log when it does not start.
+  /// Fails: std::runtime_error when it does not start.
   static PrivateMariaDb& shared();
 
   /// Starts a server of its own. It dies with this object, and with this process however that ends.
