@@ -105,7 +105,6 @@ class _com_ptr_t : public automation_detail::counted_pointer<T> {
   void AddRef() { base::operator->()->AddRef(); }
   /// The plain pointer, no reference added.
   T* GetInterfacePtr() const noexcept { return base::raw(); }
-  T*& GetInterfacePtr() noexcept = delete;
   /// Asks for interface Q of the object, with a reference for the caller. Fails: E_POINTER when null.
   template <class Q>
   HRESULT QueryInterface(REFIID iid, Q*& object) {
