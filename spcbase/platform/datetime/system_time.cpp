@@ -80,10 +80,13 @@ int SystemTimeToVariantTime(const SYSTEMTIME* system_time, double* variant_time)
       days_from_civil(year, system_time->wMonth, system_time->wDay) - platform::variant_epoch_days + seconds / 86400;
   if (days < first_variant_day || days > last_variant_day) return 0;
   const std::int64_t in_day = seconds % 86400;
-  // Three terms, in this order: the last bit of the result depends on it.
-  const double time = static_cast<double>(in_day / 3600) / 24.0 + static_cast<double>(in_day / 60 % 60) / 1440.0 +
-                      static_cast<double>(in_day % 60) / 86400.0;
-  *variant_time = days < 0 ? static_cast<double>(days) - time : static_cast<double>(days) + time;
+  // One field after the other, away from zero: the last bit of the result depends on it.
+  const double direction = days < 0 ? -1.0 : 1.0;
+  double value = static_cast<double>(days);
+  value += direction * static_cast<double>(in_day / 3600) / 24.0;
+  value += direction * static_cast<double>(in_day / 60 % 60) / 1440.0;
+  value += direction * static_cast<double>(in_day % 60) / 86400.0;
+  *variant_time = value;
   return 1;
 }
 
