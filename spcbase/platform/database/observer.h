@@ -32,8 +32,12 @@ class SPCBASE_API StatementObserver {
   virtual void on_statement(const StatementReport& report) noexcept = 0;
 };
 
+/// Whether a column, quoted or not and in any case, holds passwords: its name holds PASSWORD or is PWD.
+bool names_a_password(std::string_view column) noexcept;
+
 /// Replaces the text literals that stand for a password column's value in a statement (compared with, assigned to or
-/// inserted into a column whose name holds PASSWORD or is PWD) by '***'.
+/// inserted into such a column, or behind IDENTIFIED BY) by '***'. Where it is not certain how a server ends a literal
+/// that holds a backslash, more rather than less is hidden. An INSERT without a list of columns cannot be judged.
 SPCBASE_API std::string mask_password_literals(std::string_view statement);
 
 }  // namespace spcdb

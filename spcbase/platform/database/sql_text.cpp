@@ -1,30 +1,45 @@
 #include "spcbase/platform/database/sql_text.h"
 
-#include <algorithm>
-
 #include "spcbase/platform/database/db_exception.h"
 #include "spcbase/platform/database/moment_text.h"
+#include "spcbase/platform/database/sql_scan.h"
 
 namespace spcdb {
 namespace {
 
-std::size_t skip_to(std::string_view sql, std::size_t start, std::string_view end) noexcept {
-  const auto found = sql.find(end, start);
-  return found == std::string_view::npos ? sql.size() : found + end.size();
+/// The position behind the literal, quoted name or comment that begins at `start`, or `start` when none begins there.
+std::size_t skip_quoted(std::string_view sql, std::size_t start) noexcept {
+  const char c = sql[start];
+  if (c == '\'') return scan::literal_end(sql, start);
+  if (c == '"' || c == '`' || c == '[') return scan::name_end(sql, start);
+  return scan::at_comment(sql, start) ? scan::comment_end(sql, start) : start;
 }
 
-std::size_t skip_doubled(std::string_view sql, std::size_t start, char close) noexcept {
+/// The same for a server on which a backslash in a literal takes the next character with it.
+std::size_t skip_escaped(std::string_view sql, std::size_t start) noexcept {
+  if (sql[start] != '\'') return skip_quoted(sql, start);
   for (std::size_t i = start + 1; i < sql.size(); ++i) {
-    if (sql[i] != close) continue;
-    if (i + 1 < sql.size() && sql[i + 1] == close)
+    if (sql[i] == '\\')
       ++i;
-    else
+    else if (sql[i] == '\'')
       return i + 1;
   }
   return sql.size();
 }
 
-bool is_blank(char c) noexcept { return c == ' ' || c == '\t' || c == '\r' || c == '\n'; }
+/// Behind the blanks, comments and semicolons that may stand between statements.
+std::size_t skip_between(std::string_view sql, std::size_t start) noexcept {
+  for (std::size_t i = start; i < sql.size();) {
+    if (scan::at_comment(sql, i))
+      i = scan::comment_end(sql, i);
+    else if (scan::is_space(sql[i]) || sql[i] == ';')
+      ++i;
+    else
+      return i;
+  }
+  return sql.size();
+}
+
 char lower(char c) noexcept { return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c; }
 
 /// The parts of one {word 'value'}.
@@ -38,7 +53,7 @@ Escape read_escape(std::string_view sql, std::size_t start) {
   Escape escape;
   std::size_t i = start + 1;
   const auto skip_blanks = [&] {
-    while (i < sql.size() && is_blank(sql[i]))
+    while (i < sql.size() && scan::is_space(sql[i]))
       ++i;
   };
   skip_blanks();
@@ -71,21 +86,18 @@ void append_plain(std::string& out, const Escape& escape) {
 
 }  // namespace
 
-std::size_t skip_quoted(std::string_view sql, std::size_t start) noexcept {
-  switch (sql[start]) {
-    case '\'':
-    case '"':
-    case '`':
-      return skip_doubled(sql, start, sql[start]);
-    case '[':
-      return skip_to(sql, start, "]");
-    case '-':
-      return sql.substr(start, 2) == "--" ? skip_to(sql, start, "\n") : start;
-    case '/':
-      return sql.substr(start, 2) == "/*" ? skip_to(sql, start + 2, "*/") : start;
-    default:
-      return start;
+bool is_blank(std::string_view sql) noexcept { return skip_between(sql, 0) == sql.size(); }
+
+bool holds_two_statements(std::string_view sql, bool backslash_escapes) noexcept {
+  auto i = skip_between(sql, 0);
+  const auto word_end = scan::word_end(sql, i);
+  if (scan::same_word(sql.substr(i, word_end - i), "CREATE")) return false;
+  while (i < sql.size()) {
+    if (sql[i] == ';') return skip_between(sql, i) < sql.size();
+    const auto end = backslash_escapes ? skip_escaped(sql, i) : skip_quoted(sql, i);
+    i = end > i ? end : i + 1;
   }
+  return false;
 }
 
 std::string translate_odbc_escapes(std::string_view sql) {
@@ -106,11 +118,6 @@ std::string translate_odbc_escapes(std::string_view sql) {
     }
   }
   return out;
-}
-
-std::size_t count_characters(std::string_view utf8) noexcept {
-  return static_cast<std::size_t>(
-      std::count_if(utf8.begin(), utf8.end(), [](char c) { return (static_cast<unsigned char>(c) & 0xC0U) != 0x80U; }));
 }
 
 }  // namespace spcdb

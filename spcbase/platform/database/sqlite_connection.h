@@ -115,8 +115,7 @@ class SqliteStatement final : public Statement {
   int type_of(unsigned column) const;
   std::string_view stored_text(unsigned column) const noexcept;
   std::string_view number_text(unsigned column, int type);
-  [[noreturn]] void refuse_value(unsigned column, const char* sqlstate, const char* wanted) const;
-  [[noreturn]] void refuse_width(unsigned column, int width) const;
+  std::string name_of(unsigned column) const;
 
   SqliteSession& session_;
   sqlite3_stmt* statement_;

@@ -1,39 +1,11 @@
-#include <charconv>
 #include <cmath>
-#include <limits>
 
 #include "spcbase/platform/database/db_exception.h"
 #include "spcbase/platform/database/moment_text.h"
-#include "spcbase/platform/database/sql_text.h"
 #include "spcbase/platform/database/sqlite_connection.h"
+#include "spcbase/platform/database/value_text.h"
 
 namespace spcdb {
-namespace {
-
-/// Whether all of a text is a number of this kind.
-template <typename Number>
-bool parse_number(std::string_view text, Number& value) noexcept {
-  const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), value);
-  return error == std::errc() && end == text.data() + text.size() && !text.empty();
-}
-
-enum class Whole : unsigned char { yes, fraction, too_large };
-
-Whole to_whole(double real, std::int64_t& value) noexcept {
-  constexpr double limit = 9223372036854775808.0;
-  if (!(real >= -limit && real < limit)) return std::isnan(real) ? Whole::fraction : Whole::too_large;
-  if (real != std::trunc(real)) return Whole::fraction;
-  value = static_cast<std::int64_t>(real);
-  return Whole::yes;
-}
-
-Whole to_whole(std::string_view text, std::int64_t& value) noexcept {
-  if (parse_number(text, value)) return Whole::yes;
-  double real = 0;
-  return parse_number(text, real) ? to_whole(real, value) : Whole::fraction;
-}
-
-}  // namespace
 
 SqliteStatement::SqliteStatement(SqliteSession& session, sqlite3_stmt* statement)
     : session_(session),
@@ -126,7 +98,7 @@ void SqliteStatement::bind(int position, const Parameter& parameter) {
         break;
       case ValueKind::real:
         // SQLite would store a null in its place.
-        if (std::isnan(parameter.real)) raise(-1, "22003", "A value that is not a number (NaN) cannot be stored.");
+        if (std::isnan(parameter.real)) refuse_nan();
         code = sqlite3_bind_double(statement_, position, parameter.real);
         break;
       case ValueKind::text:
@@ -153,7 +125,7 @@ int SqliteStatement::bind_text(int position, std::string_view text) {
 }
 
 int SqliteStatement::bind_moment(int position, const TIMESTAMP_STRUCT& moment) {
-  if (!is_moment(moment)) raise(-1, "22007", "The value is not a moment of the calendar.");
+  if (!is_moment(moment)) refuse_moment();
   const auto text = format_moment(moment);
   kept_texts_.resize(static_cast<std::size_t>(parameter_count_));
   auto& kept = kept_texts_[static_cast<std::size_t>(position - 1)];
@@ -186,16 +158,15 @@ bool SqliteStatement::integer(unsigned column, std::int64_t& value) {
     case SQLITE_NULL:
       return false;
     case SQLITE_FLOAT:
-      whole = to_whole(sqlite3_column_double(statement_, static_cast<int>(column)), value);
+      whole = read_whole(sqlite3_column_double(statement_, static_cast<int>(column)), value);
       break;
     case SQLITE_TEXT:
-      whole = to_whole(stored_text(column), value);
+      whole = read_whole(stored_text(column), value);
       break;
     default:
-      whole = Whole::fraction;
+      whole = Whole::no_whole_number;
   }
-  if (whole == Whole::fraction) refuse_value(column, "22018", "a whole number");
-  if (whole == Whole::too_large) refuse_value(column, "22003", "a whole number of 64 bits");
+  if (whole != Whole::yes) refuse_whole(name_of(column), whole);
   return true;
 }
 
@@ -208,10 +179,10 @@ bool SqliteStatement::real(unsigned column, double& value) {
     case SQLITE_NULL:
       return false;
     case SQLITE_TEXT:
-      if (parse_number(stored_text(column), value)) return true;
+      if (read_real(stored_text(column), value)) return true;
       [[fallthrough]];
     default:
-      refuse_value(column, "22018", "a number");
+      refuse_value(name_of(column), "22018", "a number");
   }
 }
 
@@ -220,46 +191,34 @@ bool SqliteStatement::text(unsigned column, std::string_view& value) {
   if (type == SQLITE_NULL) return false;
   const auto read = type == SQLITE_TEXT || type == SQLITE_BLOB ? stored_text(column) : number_text(column, type);
   const int width = column < widths_.size() ? widths_[column] : 0;
-  if (width > 0 && read.size() > static_cast<std::size_t>(width) &&
-      count_characters(read) > static_cast<std::size_t>(width))
-    refuse_width(column, width);
+  if (width > 0 && is_wider(read, width)) refuse_width(name_of(column), width);
   value = read;
   return true;
 }
 
 std::string_view SqliteStatement::number_text(unsigned column, int type) {
   // SQLite's own conversion keeps 15 digits.
-  constexpr std::size_t longest = 32;
   if (number_texts_.size() < columns_) number_texts_.resize(columns_);
   auto& text = number_texts_[column];
-  text.resize(longest);
   const int index = static_cast<int>(column);
-  const auto [end, error] =
-      type == SQLITE_INTEGER
-          ? std::to_chars(text.data(), text.data() + longest, sqlite3_column_int64(statement_, index))
-          : std::to_chars(text.data(), text.data() + longest, sqlite3_column_double(statement_, index));
-  static_cast<void>(error);
-  text.resize(static_cast<std::size_t>(end - text.data()));
+  if (type == SQLITE_INTEGER)
+    write_number(text, std::int64_t{sqlite3_column_int64(statement_, index)});
+  else
+    write_number(text, sqlite3_column_double(statement_, index));
   return text;
 }
 
 bool SqliteStatement::moment(unsigned column, TIMESTAMP_STRUCT& value) {
   const int type = type_of(column);
   if (type == SQLITE_NULL) return false;
-  if (type != SQLITE_TEXT || !parse_moment(stored_text(column), value)) refuse_value(column, "22007", "a moment");
+  if (type != SQLITE_TEXT || !parse_moment(stored_text(column), value))
+    refuse_value(name_of(column), "22007", "a moment");
   return true;
 }
 
-void SqliteStatement::refuse_value(unsigned column, const char* sqlstate, const char* wanted) const {
+std::string SqliteStatement::name_of(unsigned column) const {
   const char* name = sqlite3_column_name(statement_, static_cast<int>(column));
-  raise(-1, sqlstate, std::string("The value of column ") + (name != nullptr ? name : "?") + " is not " + wanted + ".");
-}
-
-void SqliteStatement::refuse_width(unsigned column, int width) const {
-  const char* name = sqlite3_column_name(statement_, static_cast<int>(column));
-  raise(AFX_SQL_ERROR_DATA_TRUNCATED, "22001",
-        std::string("The text of column ") + (name != nullptr ? name : "?") + " is longer than " +
-            std::to_string(width) + " characters.");
+  return name != nullptr ? name : "?";
 }
 
 ColumnInfo SqliteStatement::describe(unsigned column) {
@@ -268,8 +227,7 @@ ColumnInfo SqliteStatement::describe(unsigned column) {
     raise(AFX_SQL_ERROR_FIELD_SCHEMA_MISMATCH, "07009", "The statement has no such column.");
   if (session_.gate().refused("sqlite3_column_decltype")) raise(session_.gate().refusal());
   ColumnInfo info;
-  const char* name = sqlite3_column_name(statement_, index);
-  info.name = name != nullptr ? name : "";
+  info.name = name_of(column);
   const char* declared = sqlite3_column_decltype(statement_, index);
   describe_sqlite_type(declared != nullptr ? declared : "", info);
   const char* table = sqlite3_column_table_name(statement_, index);
