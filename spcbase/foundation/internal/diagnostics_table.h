@@ -113,7 +113,7 @@ inline constexpr Rule rules[] = {
     {nullptr, 1, "unique constraint", FailureClass::duplicate_key},
     {nullptr, 2291, "integrity constraint", FailureClass::missing_reference},
     {nullptr, 2292, "integrity constraint", FailureClass::missing_reference},
-    {nullptr, 12899, "too large for column", FailureClass::value_too_long},
+    {nullptr, 12899, "value too large for column", FailureClass::value_too_long},
     {nullptr, 1438, "larger than specified precision", FailureClass::value_too_long},
     {nullptr, 60, "deadlock", FailureClass::deadlock},
     {nullptr, 54, "resource busy", FailureClass::lock_timeout},
