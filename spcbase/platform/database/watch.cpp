@@ -10,18 +10,6 @@ namespace spcdb {
 
 namespace {
 
-bool names_a_password(std::string_view column) {
-  std::string capitals;
-  for (const char c : column) {
-    if (c >= 'a' && c <= 'z') {
-      capitals += static_cast<char>(c - 'a' + 'A');
-    } else if (c != '[' && c != ']') {
-      capitals += c;
-    }
-  }
-  return capitals.find("PASSWORD") != std::string::npos || capitals == "PWD" || capitals.ends_with(".PWD");
-}
-
 void append_text(std::string& out, std::string_view text) {
   out += '\'';
   for (const char c : text) {
