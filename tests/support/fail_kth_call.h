@@ -1,0 +1,57 @@
+/// Fails one call into the driver, the k-th, as if the driver had: for sweeps over k = 1, 2, 3 ... until a run
+/// succeeds.
+///
+///     for (std::size_t k = 1;; ++k) {
+///       test_support::FailKthCall hook(k);
+///       session.gate().set_hook(&hook);
+///       run_and_check();
+///       if (!hook.fired()) break;  // the run needs fewer than k calls
+///     }
+#pragma once
+
+#include <cstddef>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "spcbase/platform/database/call_gate.h"
+
+namespace test_support {
+
+class FailKthCall final : public spcdb::CallHook {
+ public:
+  /// Fails the `k`-th call from now on, counted from 1; 0 fails none and only counts.
+  explicit FailKthCall(std::size_t k, spcdb::Diagnostic diagnostic = staged()) : k_(k), diagnostic_(diagnostic) {}
+
+  /// The diagnostic of a call that fails for no reason that a driver would have.
+  static spcdb::Diagnostic staged() {
+    spcdb::Diagnostic diagnostic;
+    diagnostic.sqlstate = "HY000";
+    diagnostic.native = 4711;
+    diagnostic.text = "staged failure";
+    diagnostic.origin = "[test]";
+    return diagnostic;
+  }
+
+  std::optional<spcdb::Diagnostic> before_call(const char* function) override {
+    functions_.emplace_back(function);
+    if (functions_.size() != k_) return std::nullopt;
+    return diagnostic_;
+  }
+  void before_release(const char* function) noexcept override { releases_.emplace_back(function); }
+
+  bool fired() const { return k_ != 0 && functions_.size() >= k_; }
+  /// The function whose call was failed; empty when none was.
+  std::string failed_function() const { return fired() ? functions_[k_ - 1] : std::string(); }
+  /// Every call that was asked for, in order, and every release.
+  const std::vector<std::string>& functions() const { return functions_; }
+  const std::vector<std::string>& releases() const { return releases_; }
+
+ private:
+  std::size_t k_;
+  spcdb::Diagnostic diagnostic_;
+  std::vector<std::string> functions_;
+  std::vector<std::string> releases_;
+};
+
+}  // namespace test_support
