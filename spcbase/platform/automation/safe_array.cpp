@@ -18,7 +18,6 @@ namespace {
 // Sixteen bytes stand before the descriptor: an interface id, or the element type in the last four of them.
 constexpr std::size_t head_bytes = sizeof(GUID);
 constexpr USHORT foreign_memory = FADF_AUTO | FADF_STATIC | FADF_EMBEDDED;
-constexpr USHORT objects = FADF_UNKNOWN | FADF_DISPATCH;
 
 char* head_of(SAFEARRAY* array) { return reinterpret_cast<char*>(array) - head_bytes; }
 

@@ -71,6 +71,7 @@ class SPCBASE_API _variant_t : public tagVARIANT {
 
   /// Same type and same value, texts by their characters, arrays by identity.
   bool operator==(const VARIANT& other) const noexcept;
+  bool operator==(const _variant_t& other) const noexcept { return *this == static_cast<const VARIANT&>(other); }
 
   /// Makes it empty. Fails: throws `_com_error`.
   void Clear();
