@@ -11,19 +11,8 @@ void RecordsetCore::name_column(CFieldExchange& exchange, std::string_view name,
   if (!names_.empty()) text += ',';
   names_.push_back({name_text_.size(), name.size()});
   name_text_ += name;
-  const auto& expression = connection().quirks().double_expression;
-  if (kind != ValueKind::real || expression.empty()) {
-    text += name;
-    return;
-  }
-  constexpr std::string_view kColumn = "%s";
-  std::size_t at = 0;
-  for (auto next = expression.find(kColumn); next != std::string::npos; next = expression.find(kColumn, at)) {
-    text += std::string_view(expression).substr(at, next - at);
-    text += name;
-    at = next + kColumn.size();
-  }
-  text += std::string_view(expression).substr(at);
+  if (kind == ValueKind::real) reals_.push_back({text.view().size(), name.size()});
+  text += name;
 }
 
 void RecordsetCore::bind_column(void* address, ValueKind kind, int width_chars) {

@@ -80,6 +80,7 @@ class RecordsetCore {
   void append_conditions();
   void run();
   StatementText shape_statement();
+  void append_select(std::string& shape, std::size_t end) const;
   void acquire(const StatementText& text);
   void bind_columns();
   void gather_parameters();
@@ -123,6 +124,7 @@ class RecordsetCore {
   bool single_table_ = false;     ///< rows can be written
   bool whole_statement_ = false;  ///< the source was a SELECT
   Piece filter_;                  ///< where the filter stands in the statement
+  std::vector<Piece> reals_;      ///< where the doubles of the select list stand in the statement
   std::vector<Piece> names_;      ///< where the columns' names stand in `name_text_`
   std::string name_text_;
   std::vector<Field> fields_;

@@ -55,6 +55,7 @@ void RecordsetCore::build_statement(const char* sql) {
   single_table_ = !whole_statement_ && names_one_table(source_);
   names_.clear();
   name_text_.clear();
+  reals_.clear();
   if (whole_statement_) {
     statement_ = std::string_view(source_);
   } else {
@@ -115,16 +116,38 @@ StatementText RecordsetCore::shape_statement() {
   scratch.shape.clear();
   scratch.literals.clear();
   const auto text = statement_.view();
+  // The given text would lose the digits that the expression keeps, so it is no stand-in for the shape then.
+  const bool shape_keeps_names = reals_.empty() || connection().quirks().double_expression.empty();
   if (whole_statement_) {
     lift_literals(text, LiftFrom::where, scratch.shape, scratch.literals);
   } else {
-    scratch.shape.append(text, 0, filter_.size == 0 ? text.size() : filter_.offset);
+    append_select(scratch.shape, filter_.size == 0 ? text.size() : filter_.offset);
     if (filter_.size != 0) {
       lift_literals(piece(filter_), LiftFrom::beginning, scratch.shape, scratch.literals);
       scratch.shape.append(text, filter_.offset + filter_.size);
     }
   }
-  return {scratch.shape, text, scratch.literals.any_lifted};
+  return {scratch.shape, text, scratch.literals.any_lifted && shape_keeps_names};
+}
+
+/// The statement up to `end`; doubles are asked for through the server's expression where it would lose digits.
+void RecordsetCore::append_select(std::string& shape, std::size_t end) const {
+  const auto text = statement_.view();
+  const std::string_view expression = connection().quirks().double_expression;
+  constexpr std::string_view kColumn = "%s";
+  std::size_t copied = 0;
+  for (const auto& real : reals_) {
+    if (expression.empty()) break;
+    shape.append(text, copied, real.offset - copied);
+    std::size_t at = 0;
+    for (auto next = expression.find(kColumn); next != expression.npos; next = expression.find(kColumn, at)) {
+      shape.append(expression, at, next - at).append(piece(real));
+      at = next + kColumn.size();
+    }
+    shape.append(expression, at);
+    copied = real.offset + real.size;
+  }
+  shape.append(text, copied, end - copied);
 }
 
 void RecordsetCore::acquire(const StatementText& text) {
