@@ -195,19 +195,19 @@ TEST_P(mariadb_failures, a_connection_that_the_server_has_ended_is_a_lost_link) 
 
 TEST_P(mariadb_failures, a_login_without_rights_is_refused_permission) {
   execute("CREATE OR REPLACE USER reader@localhost IDENTIFIED BY 'reader'");
-  const std::string schema_name = value("SELECT DATABASE()");
-  execute("GRANT SELECT ON " + schema_name + ".* TO reader@localhost");
-  CString connect(database().connect_text().c_str());
-  EXPECT_EQ(connect.Replace("UID=spc", "UID=reader"), 1);
-  EXPECT_EQ(connect.Replace("PWD=spc", "PWD=reader"), 1);
+  CString connect(test_support::PrivateMariaDb::shared().odbc_connect_text("").c_str());
+  EXPECT_EQ(connect.Replace("UID=spc", "UID=reader"), 1) << connect;
+  EXPECT_EQ(connect.Replace("PWD=spc", "PWD=reader"), 1) << connect;
   CDatabaseEx reader;
   reader.OpenEx(connect);
-  EXPECT_EQ(failure_of(reader, "DELETE FROM CSSTN").failure_class, FailureClass::permission);
+  const std::string table = value("SELECT DATABASE()") + ".CSSTN";
+  EXPECT_EQ(failure_of(reader, ("DELETE FROM " + table).c_str()).failure_class, FailureClass::permission);
   connect.Replace("PWD=reader", "PWD=wrong");
   CDatabaseEx stranger;
   const auto outcome = guarded([&] { stranger.OpenEx(connect); });
   ASSERT_FALSE(outcome.ok());
   EXPECT_EQ(outcome.failure().failure_class, FailureClass::permission) << outcome.failure().text;
+  reader.Close();
   execute("DROP USER reader@localhost");
 }
 

@@ -26,14 +26,16 @@ class schema_live : public test_support::DatabaseTest {
     short position = 0;
     std::apply(
         [&](const auto&... column) {
-          const auto check = [&](std::string name) {
+          const auto check = [&](std::string name, coltab::Kind kind) {
             CODBCFieldInfo info;
             rs.GetODBCFieldInfo(position++, info);
+            // That driver loses digits of doubles, which are fetched through an expression.
+            if (kind == coltab::Kind::real && GetParam() == ServerKind::sqlite_odbc) return;
             name = name.substr(name.rfind('.') + 1);
             std::erase_if(name, [](char c) { return c == '[' || c == ']'; });
             EXPECT_EQ(info.m_strName, name.c_str());
           };
-          (check(column.name), ...);
+          (check(column.name, column.kind), ...);
         },
         Recordset::columns);
   }
@@ -218,7 +220,7 @@ INSTANTIATE_TEST_SUITE_P(Servers, nulls_live, test_support::all_servers(), test_
 
 TEST_P(nulls_live, are_no_failure_and_are_told_apart_from_values) {
   execute("INSERT INTO CSSAMP (SAMPID, PROFID, PROFREV, CTIME) VALUES (1, 0, NULL, NULL)");
-  execute("INSERT INTO CSVDAT (SAMPID, CHRTID, PIECENO, VARVALUE) VALUES (1, 1, 1, NULL)");
+  execute("INSERT INTO CSDEFTOT (SAMPID, CHRTID, NFAIL, SSIZE) VALUES (1, 1, NULL, NULL)");
   execute("INSERT INTO CSLDAT (SAMPID, CHRTID, LABELID, PIECENO, LABVALUE) VALUES (1, NULL, 1, NULL, '')");
   CRSSample sample(&db());
   ASSERT_TRUE(open_for_read(sample));
@@ -227,10 +229,13 @@ TEST_P(nulls_live, are_no_failure_and_are_told_apart_from_values) {
   EXPECT_TRUE(sample.IsFieldNull(&sample.ctime));
   EXPECT_EQ(sample.ctime.year, 0);
   sample.Close();
-  CRSVariable variable(&db());
-  ASSERT_TRUE(open_for_read(variable));
-  EXPECT_TRUE(variable.IsFieldNull(&variable.varvalue));
-  variable.Close();
+  CRSDEFTOT total(&db());
+  ASSERT_TRUE(open_for_read(total));
+  EXPECT_FALSE(total.IsFieldNull(&total.chrtid));
+  EXPECT_TRUE(total.IsFieldNull(&total.nfail));
+  EXPECT_TRUE(total.IsFieldNull(&total.ssize));
+  EXPECT_EQ(total.ssize, 0.0);
+  total.Close();
   CRSLabelData label(&db());
   ASSERT_TRUE(open_for_read(label));
   EXPECT_TRUE(label.IsFieldNull(&label.pieceno));

@@ -24,7 +24,7 @@ inline constexpr Rule rules[] = {
     {"40003", 0, nullptr, FailureClass::commit_in_doubt},
     {"40001", 0, nullptr, FailureClass::deadlock},
     {"40P01", 0, nullptr, FailureClass::deadlock},
-    {"08001", 0, "not a database", FailureClass::other},
+    {"08001", 26, nullptr, FailureClass::other},
     {"08", 0, nullptr, FailureClass::link_lost},
     {"23505", 0, nullptr, FailureClass::duplicate_key},
     {"23503", 0, nullptr, FailureClass::missing_reference},
