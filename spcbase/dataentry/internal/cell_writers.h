@@ -68,7 +68,7 @@ class LabelWriter {
   void open(const CProfileInfo& element, long piece);
   void write_text(const CProfileInfo& element, long piece, const CString& text);
 
-  const SPCLib::IQsmSPCPtr& engine_;
+  SPCLib::IQsmSPCPtr engine_;
   CDatabase& db_;
   CRSLabelData rows_;
   FilterText filter_;
