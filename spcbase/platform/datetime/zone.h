@@ -4,7 +4,8 @@
 /// variable `TZ` names, or /etc/localtime when it is unset. `TZ` may name a zone of the system's tz database
 /// ("Europe/Berlin", also with a leading colon), a file of that form by its full path, or a rule in POSIX form
 /// ("CET-1CEST,M3.5.0,M10.5.0/3"). An empty `TZ` is UTC, and so is one that makes no sense. The date converted selects
-/// the rule.
+/// the rule; dates before the database's first change of a zone, for which it has only the place's mean solar time,
+/// follow the rule of the present.
 ///
 /// A local time may be skipped (clocks put forward over it) or repeated (clocks put back); the two families differ:
 ///

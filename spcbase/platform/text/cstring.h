@@ -58,7 +58,11 @@ class SPCBASE_API CString {
     return *this;
   }
   CString& operator=(const char* text) { return assign(text ? std::string_view(text) : std::string_view()); }
-  CString& operator=(char c) { return assign(std::string_view(&c, 1)); }
+  CString& operator=(char c) {
+    text_.assign(1, c);
+    assigned_ = true;
+    return *this;
+  }
   CString& operator=(std::string_view text) { return assign(text); }
   CString& operator=(const std::string& text) { return assign(text); }
 
@@ -95,7 +99,12 @@ class SPCBASE_API CString {
 
   CString& operator+=(const CString& other) { return append(other.view()); }
   CString& operator+=(const char* text) { return append(text ? std::string_view(text) : std::string_view()); }
-  CString& operator+=(char c) { return append(std::string_view(&c, 1)); }
+  CString& operator+=(char c) {
+    text_.push_back(c);
+    assigned_ = true;
+    check_size();
+    return *this;
+  }
   CString& operator+=(std::string_view text) { return append(text); }
   void Append(const CString& other) { append(other.view()); }
   void Append(const char* text) { *this += text; }
