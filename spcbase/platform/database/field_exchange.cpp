@@ -9,9 +9,7 @@ namespace spcdb {
 void RecordsetCore::name_column(CFieldExchange& exchange, std::string_view name, ValueKind kind) {
   CString& text = *exchange.m_pstr;
   if (!names_.empty()) text += ',';
-  names_.push_back({name_text_.size(), name.size()});
-  name_text_ += name;
-  if (kind == ValueKind::real) reals_.push_back({text.view().size(), name.size()});
+  names_.push_back({{text.view().size(), name.size()}, kind == ValueKind::real});
   text += name;
 }
 

@@ -65,9 +65,13 @@ class RecordsetCore {
 
  private:
   enum class Mode : unsigned char { reading, adding, editing };
+  /// A part of the statement.
   struct Piece {
     std::size_t offset = 0;
     std::size_t size = 0;
+  };
+  struct Name : Piece {
+    bool is_real = false;
   };
 
   Connection& connection() const { return *recordset_.m_pDatabase->connection(); }
@@ -104,7 +108,6 @@ class RecordsetCore {
   bool null_now(const Field& field) const { return field.is_null && (mode_ == Mode::reading || holds_unset(field)); }
   Parameter member_value(const Field& field) const;
   std::string_view bare_name(unsigned position) const;
-  void name_columns();
   bool write_insert();
   bool write_update();
   std::uint64_t key_columns(bool& unique);
@@ -124,9 +127,7 @@ class RecordsetCore {
   bool single_table_ = false;     ///< rows can be written
   bool whole_statement_ = false;  ///< the source was a SELECT
   Piece filter_;                  ///< where the filter stands in the statement
-  std::vector<Piece> reals_;      ///< where the doubles of the select list stand in the statement
-  std::vector<Piece> names_;      ///< where the columns' names stand in `name_text_`
-  std::string name_text_;
+  std::vector<Name> names_;       ///< the select list, where it was written column by column
   std::vector<Field> fields_;
   std::vector<Parameter> host_parameters_;
   std::vector<std::string_view> host_names_;

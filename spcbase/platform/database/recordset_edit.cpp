@@ -186,8 +186,7 @@ bool RecordsetCore::update() {
 }
 
 std::string_view RecordsetCore::bare_name(unsigned position) const {
-  const auto& of = names_[position];
-  auto name = std::string_view(name_text_).substr(of.offset, of.size);
+  const auto name = piece(names_[position]);
   std::size_t start = 0;
   for (std::size_t at = 0; at < name.size();) {
     if (name[at] == '[' || name[at] == '"' || name[at] == '`') {

@@ -1,3 +1,4 @@
+#include <algorithm>
 #include <string>
 
 #include "spcbase/platform/database/recordset_core.h"
@@ -54,8 +55,6 @@ void RecordsetCore::build_statement(const char* sql) {
   whole_statement_ = is_whole_statement(source_);
   single_table_ = !whole_statement_ && names_one_table(source_);
   names_.clear();
-  name_text_.clear();
-  reals_.clear();
   if (whole_statement_) {
     statement_ = std::string_view(source_);
   } else {
@@ -65,6 +64,10 @@ void RecordsetCore::build_statement(const char* sql) {
 }
 
 void RecordsetCore::write_select(std::string_view source) {
+  constexpr std::size_t usual_name = 16;
+  names_.reserve(recordset_.m_nFields);
+  statement_.Preallocate(static_cast<int>(usual_name * (recordset_.m_nFields + 4) + source.size() +
+                                          recordset_.m_strFilter.view().size() + recordset_.m_strSort.view().size()));
   statement_ = std::string_view("SELECT ");
   CFieldExchange naming(CFieldExchange::Name, &recordset_);
   naming.m_pstr = &statement_;
@@ -117,7 +120,9 @@ StatementText RecordsetCore::shape_statement() {
   scratch.literals.clear();
   const auto text = statement_.view();
   // The given text would lose the digits that the expression keeps, so it is no stand-in for the shape then.
-  const bool shape_keeps_names = reals_.empty() || connection().quirks().double_expression.empty();
+  const bool shape_keeps_names =
+      connection().quirks().double_expression.empty() ||
+      std::none_of(names_.begin(), names_.end(), [](const Name& name) { return name.is_real; });
   if (whole_statement_) {
     lift_literals(text, LiftFrom::where, scratch.shape, scratch.literals);
   } else {
@@ -136,8 +141,9 @@ void RecordsetCore::append_select(std::string& shape, std::size_t end) const {
   const std::string_view expression = connection().quirks().double_expression;
   constexpr std::string_view kColumn = "%s";
   std::size_t copied = 0;
-  for (const auto& real : reals_) {
+  for (const auto& real : names_) {
     if (expression.empty()) break;
+    if (!real.is_real) continue;
     shape.append(text, copied, real.offset - copied);
     std::size_t at = 0;
     for (auto next = expression.find(kColumn); next != expression.npos; next = expression.find(kColumn, at)) {
@@ -160,6 +166,7 @@ void RecordsetCore::bind_columns() {
   auto& columns = connection().scratch().columns;
   columns.clear();
   fields_.clear();
+  fields_.reserve(recordset_.m_nFields);
   exchange(CFieldExchange::BindFieldToColumn);
   if (fields_.size() != recordset_.m_nFields || fields_.size() > kept_->statement->column_count()) {
     raise(AFX_SQL_ERROR_FIELD_SCHEMA_MISMATCH, "HY000",

@@ -111,10 +111,10 @@ class SqliteStatement final : public Statement {
   int bind_moment(int position, const TIMESTAMP_STRUCT& moment);
   bool step();
   [[noreturn]] void fail_step(const Diagnostic& diagnostic);
-  /// The storage class of a value of the current row.
-  int type_of(unsigned column) const;
-  std::string_view stored_text(unsigned column) const noexcept;
-  std::string_view number_text(unsigned column, int type);
+  /// A value of the current row.
+  sqlite3_value* value_at(unsigned column) const;
+  [[noreturn]] void refuse_column(unsigned column) const;
+  std::string_view number_text(unsigned column, sqlite3_value* stored);
   std::string name_of(unsigned column) const;
 
   SqliteSession& session_;

@@ -6,6 +6,15 @@
 #include "spcbase/platform/database/value_text.h"
 
 namespace spcdb {
+namespace {
+
+std::string_view stored_text(sqlite3_value* stored) noexcept {
+  const void* bytes = sqlite3_value_text(stored);
+  const int length = sqlite3_value_bytes(stored);
+  return {length == 0 ? "" : static_cast<const char*>(bytes), static_cast<std::size_t>(length)};
+}
+
+}  // namespace
 
 SqliteStatement::SqliteStatement(SqliteSession& session, sqlite3_stmt* statement)
     : session_(session),
@@ -36,6 +45,8 @@ void SqliteStatement::execute(std::span<const Parameter> parameters) {
     bind(i + 1, parameters[static_cast<std::size_t>(i)]);
   const auto changes_before = writes_ ? sqlite3_total_changes64(session_.db()) : 0;
   const bool has_row = step();
+  // SQLite prepares anew at the first step when a table has changed.
+  if (has_row) columns_ = static_cast<unsigned>(sqlite3_data_count(statement_));
   state_ = has_row ? State::first_row : State::at_end;
   // A statement that changed nothing leaves the count of the one before it in place.
   if (writes_)
@@ -70,10 +81,7 @@ bool SqliteStatement::step() {
   if (session_.gate().refused("sqlite3_step")) fail_step(session_.gate().refusal());
   session_.arm_timeout();
   const int code = sqlite3_step(statement_);
-  if (code == SQLITE_ROW) {
-    columns_ = static_cast<unsigned>(sqlite3_data_count(statement_));
-    return true;
-  }
+  if (code == SQLITE_ROW) return true;
   if (code != SQLITE_DONE) fail_step(session_.diagnose(code));
   // Gives locks and the snapshot back at once, not at the next use.
   sqlite3_reset(statement_);
@@ -133,35 +141,34 @@ int SqliteStatement::bind_moment(int position, const TIMESTAMP_STRUCT& moment) {
   return sqlite3_bind_text64(statement_, position, kept.data(), kept.size(), SQLITE_STATIC, SQLITE_UTF8);
 }
 
-int SqliteStatement::type_of(unsigned column) const {
-  if (state_ != State::row) raise(AFX_SQL_ERROR_NO_CURRENT_RECORD, "24000", "There is no current row.");
-  if (column >= columns_)
-    raise(AFX_SQL_ERROR_FIELD_SCHEMA_MISMATCH, "07009",
-          "The row has " + std::to_string(columns_) + " columns; column " + std::to_string(column + 1) +
-              " was asked for.");
-  return sqlite3_column_type(statement_, static_cast<int>(column));
+sqlite3_value* SqliteStatement::value_at(unsigned column) const {
+  if (state_ != State::row || column >= columns_) [[unlikely]]
+    refuse_column(column);
+  // Only one thread uses the connection, so the value may be looked at without SQLite's lock.
+  return sqlite3_column_value(statement_, static_cast<int>(column));
 }
 
-std::string_view SqliteStatement::stored_text(unsigned column) const noexcept {
-  const int index = static_cast<int>(column);
-  const void* bytes = sqlite3_column_text(statement_, index);
-  const int length = sqlite3_column_bytes(statement_, index);
-  return {length == 0 ? "" : static_cast<const char*>(bytes), static_cast<std::size_t>(length)};
+void SqliteStatement::refuse_column(unsigned column) const {
+  if (state_ != State::row) raise(AFX_SQL_ERROR_NO_CURRENT_RECORD, "24000", "There is no current row.");
+  raise(
+      AFX_SQL_ERROR_FIELD_SCHEMA_MISMATCH, "07009",
+      "The row has " + std::to_string(columns_) + " columns; column " + std::to_string(column + 1) + " was asked for.");
 }
 
 bool SqliteStatement::integer(unsigned column, std::int64_t& value) {
-  Whole whole = Whole::yes;
-  switch (type_of(column)) {
+  auto whole = Whole::yes;
+  sqlite3_value* const stored = value_at(column);
+  switch (sqlite3_value_type(stored)) {
     case SQLITE_INTEGER:
-      value = sqlite3_column_int64(statement_, static_cast<int>(column));
+      value = sqlite3_value_int64(stored);
       return true;
     case SQLITE_NULL:
       return false;
     case SQLITE_FLOAT:
-      whole = read_whole(sqlite3_column_double(statement_, static_cast<int>(column)), value);
+      whole = read_whole(sqlite3_value_double(stored), value);
       break;
     case SQLITE_TEXT:
-      whole = read_whole(stored_text(column), value);
+      whole = read_whole(stored_text(stored), value);
       break;
     default:
       whole = Whole::no_whole_number;
@@ -171,15 +178,16 @@ bool SqliteStatement::integer(unsigned column, std::int64_t& value) {
 }
 
 bool SqliteStatement::real(unsigned column, double& value) {
-  switch (type_of(column)) {
+  sqlite3_value* const stored = value_at(column);
+  switch (sqlite3_value_type(stored)) {
     case SQLITE_FLOAT:
     case SQLITE_INTEGER:
-      value = sqlite3_column_double(statement_, static_cast<int>(column));
+      value = sqlite3_value_double(stored);
       return true;
     case SQLITE_NULL:
       return false;
     case SQLITE_TEXT:
-      if (read_real(stored_text(column), value)) return true;
+      if (read_real(stored_text(stored), value)) return true;
       [[fallthrough]];
     default:
       refuse_value(name_of(column), "22018", "a number");
@@ -187,31 +195,32 @@ bool SqliteStatement::real(unsigned column, double& value) {
 }
 
 bool SqliteStatement::text(unsigned column, std::string_view& value) {
-  const int type = type_of(column);
+  sqlite3_value* const stored = value_at(column);
+  const int type = sqlite3_value_type(stored);
   if (type == SQLITE_NULL) return false;
-  const auto read = type == SQLITE_TEXT || type == SQLITE_BLOB ? stored_text(column) : number_text(column, type);
+  const auto read = type == SQLITE_TEXT || type == SQLITE_BLOB ? stored_text(stored) : number_text(column, stored);
   const int width = column < widths_.size() ? widths_[column] : 0;
   if (width > 0 && is_wider(read, width)) refuse_width(name_of(column), width);
   value = read;
   return true;
 }
 
-std::string_view SqliteStatement::number_text(unsigned column, int type) {
+std::string_view SqliteStatement::number_text(unsigned column, sqlite3_value* stored) {
   // SQLite's own conversion keeps 15 digits.
   if (number_texts_.size() < columns_) number_texts_.resize(columns_);
   auto& text = number_texts_[column];
-  const int index = static_cast<int>(column);
-  if (type == SQLITE_INTEGER)
-    write_number(text, std::int64_t{sqlite3_column_int64(statement_, index)});
+  if (sqlite3_value_type(stored) == SQLITE_INTEGER)
+    write_number(text, std::int64_t{sqlite3_value_int64(stored)});
   else
-    write_number(text, sqlite3_column_double(statement_, index));
+    write_number(text, sqlite3_value_double(stored));
   return text;
 }
 
 bool SqliteStatement::moment(unsigned column, TIMESTAMP_STRUCT& value) {
-  const int type = type_of(column);
+  sqlite3_value* const stored = value_at(column);
+  const int type = sqlite3_value_type(stored);
   if (type == SQLITE_NULL) return false;
-  if (type != SQLITE_TEXT || !parse_moment(stored_text(column), value))
+  if (type != SQLITE_TEXT || !parse_moment(stored_text(stored), value))
     refuse_value(name_of(column), "22007", "a moment");
   return true;
 }
