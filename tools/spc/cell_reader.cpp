@@ -1,0 +1,110 @@
+#include "tools/spc/cell_reader.h"
+
+#include <array>
+#include <charconv>
+#include <cmath>
+#include <cstdint>
+#include <limits>
+#include <optional>
+
+#include "spcbase/platform/automation/bstr_t.h"
+#include "spcbase/platform/datetime/ole_datetime.h"
+#include "tools/spc/utf8.h"
+
+namespace spc {
+namespace {
+
+std::string quoted(std::string_view text) {
+  constexpr std::size_t most = 40;
+  std::string shown = on_one_line(text);
+  if (count_characters(shown) > most) {
+    std::size_t end = most;
+    while (end < shown.size() && (static_cast<unsigned char>(shown[end]) & 0xC0U) == 0x80U)
+      ++end;
+    shown = shown.substr(0, end) + "...";
+  }
+  return '"' + shown + '"';
+}
+
+ReadCell wrong(std::string why, std::string advice = {}) { return {_variant_t(), std::move(why), std::move(advice)}; }
+
+/// The whole text as a number of the wanted kind.
+template <class Number>
+std::optional<Number> number_of(std::string_view text) {
+  if (text.starts_with('+') && !text.starts_with("+-")) text.remove_prefix(1);
+  Number number{};
+  const char* end = text.data() + text.size();
+  const auto [stop, error] = std::from_chars(text.data(), end, number);
+  if (error != std::errc() || stop != end) return std::nullopt;
+  return number;
+}
+
+ReadCell read_number(std::string_view text) {
+  const auto number = number_of<double>(text);
+  if (number && std::isfinite(*number)) return {_variant_t(*number), {}, {}};
+  const bool comma = text.find(',') != std::string_view::npos;
+  return wrong(quoted(text) + " is not a number", comma ? "A point parts the decimals: 74.03." : "");
+}
+
+ReadCell read_count(std::string_view text) {
+  const auto number = number_of<std::int64_t>(text);
+  if (!number) return wrong(quoted(text) + " is not a whole number");
+  if (*number < 0) return wrong(quoted(text) + " is below 0, and this counts something");
+  if (*number > std::numeric_limits<LONG>::max()) return wrong(quoted(text) + " is too large for a count");
+  return {_variant_t(static_cast<int>(*number)), {}, {}};
+}
+
+ReadCell read_text(std::string_view text, std::size_t max_chars) {
+  const std::size_t length = count_characters(text);
+  if (length > max_chars)
+    return wrong("a text of " + std::to_string(length) + " characters, and " + std::to_string(max_chars) + " fit");
+  return {_variant_t(std::string(text).c_str()), {}, {}};
+}
+
+/// Numbers of fixed width parted by fixed characters: "9999-99-99 99:99". Nothing when the text is another.
+template <std::size_t Count>
+bool read_fields(std::string_view text, std::string_view pattern, std::array<int, Count>& fields) {
+  if (text.size() != pattern.size()) return false;
+  std::size_t field = 0;
+  for (std::size_t i = 0; i < text.size(); ++i) {
+    if (pattern[i] == '9') {
+      if (text[i] < '0' || text[i] > '9') return false;
+      fields.at(field) = fields.at(field) * 10 + (text[i] - '0');
+    } else {
+      if (text[i] != pattern[i] && !(pattern[i] == ' ' && text[i] == 'T')) return false;
+      ++field;
+    }
+  }
+  return true;
+}
+
+ReadCell read_moment(std::string_view text) {
+  for (const std::string_view pattern : {"9999-99-99", "9999-99-99 99:99", "9999-99-99 99:99:99"}) {
+    std::array<int, 6> f{};
+    if (!read_fields(text, pattern, f)) continue;
+    const COleDateTime moment(f[0], f[1], f[2], f[3], f[4], f[5]);
+    if (moment.GetStatus() == COleDateTime::valid) return {_variant_t(moment.m_dt, VT_DATE), {}, {}};
+  }
+  return wrong(quoted(text) + " is not a date", "Dates are written 2024-03-05 or 2024-03-05 08:30:00.");
+}
+
+}  // namespace
+
+ReadCell read_cell(std::string_view field, const GridColumn& column) {
+  const std::string_view text = trimmed(field);
+  if (text.empty()) return {};
+  switch (column.kind) {
+    case CellKind::number:
+      return read_number(text);
+    case CellKind::count:
+      return read_count(text);
+    case CellKind::moment:
+      return read_moment(text);
+    case CellKind::text:
+      break;
+  }
+  // A label keeps its blanks; the text of a defect is stored without them in any case.
+  return read_text(field, column.max_chars);
+}
+
+}  // namespace spc

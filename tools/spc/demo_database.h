@@ -1,0 +1,40 @@
+/// The database of the demo: a file that goes again, one that is kept, or a database on a server.
+///
+/// Part of the command.
+#pragma once
+
+#include <string>
+
+#include "tools/spc/demo.h"
+#include "tools/spc/link.h"
+
+namespace spc {
+
+/// The place for the demo, for as long as it runs.
+class DemoDatabase {
+ public:
+  /// Fails: Problem when the file to keep is there already, or no temporary folder can be made.
+  explicit DemoDatabase(const DemoRequest& request);
+  /// Removes what is temporary. The connection must be closed by then.
+  ~DemoDatabase();
+  DemoDatabase(const DemoDatabase&) = delete;
+  DemoDatabase& operator=(const DemoDatabase&) = delete;
+
+  const std::string& connect_text() const { return connect_text_; }
+  /// What to do with the database next, in a line.
+  std::string farewell() const;
+
+ private:
+  std::string folder_;  ///< temporary; else empty
+  std::string connect_text_;
+  std::string next_;  ///< the options that name the database again; empty when it is temporary
+};
+
+/// Drops what an earlier demo has left, and nothing else.
+/// Fails: Problem when the database holds the schema and is not a demo's, or has samples beside the demo's.
+void make_room_for_demo(Link& link);
+
+/// Marks a database as a demo's, by a row of CSINI.
+void mark_as_demo(Link& link);
+
+}  // namespace spc

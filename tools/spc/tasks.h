@@ -1,0 +1,33 @@
+/// The tasks behind the subcommands.
+///
+/// Part of the command. Each gives the exit status.
+/// Fails: Problem.
+#pragma once
+
+#include <cstddef>
+#include <string>
+#include <vector>
+
+#include "tools/spc/link.h"
+#include "tools/spc/terminal.h"
+
+namespace spc {
+
+/// What `spc sample import` is given.
+struct ImportRequest {
+  std::string file;
+  std::string profile;
+  std::string station;              ///< may be empty
+  std::string user;                 ///< may be empty
+  std::vector<std::string> maps;    ///< COLUMN=ENTRY
+  std::vector<std::string> values;  ///< ENTRY=VALUE
+};
+
+int create_database(const Place& place, const Terminal& terminal);
+int check_database(const Place& place, const Terminal& terminal);
+int import_samples(const Place& place, const ImportRequest& request, const Terminal& terminal);
+/// `profile` may be empty.
+int list_samples(const Place& place, const std::string& profile, std::size_t limit, const Terminal& terminal);
+int show_sample(const Place& place, long sample, const Terminal& terminal);
+
+}  // namespace spc
