@@ -123,6 +123,18 @@ TEST(guarded, prefers_the_description_of_an_automation_failure) {
   EXPECT_EQ(failure_from(_com_error(E_FAIL, made.second, true)).text, "the gauge is off");
 }
 
+TEST(guarded, finds_the_databases_diagnostics_behind_an_automation_failures_description) {
+  auto made = create_err_object(nullptr, nullptr, "Deadlock found\nState:40001,Native:1213");
+  SetErrorInfo(0, nullptr);
+  const Failure f = failure_from(_com_error(E_FAIL, made.second, true));
+  EXPECT_EQ(f.kind, FailureKind::automation);
+  EXPECT_EQ(f.failure_class, FailureClass::deadlock);
+  EXPECT_TRUE(f.may_retry());
+  EXPECT_EQ(f.text, "Deadlock found");
+  EXPECT_EQ(f.sqlstate, "40001");
+  EXPECT_EQ(f.native, 1213);
+}
+
 TEST(guarded, tells_a_standard_failure) {
   const Failure f = failure_from(std::length_error("vector<T> too long"));
   EXPECT_EQ(f.kind, FailureKind::standard);

@@ -1,0 +1,13 @@
+/// Everything that the library offers its hosts. The types of the platform come along with what uses them.
+#pragma once
+
+#include "spcbase/companion/engine.h"
+#include "spcbase/dataentry/profile.h"
+#include "spcbase/dataentry/sample.h"
+#include "spcbase/foundation/connection.h"
+#include "spcbase/foundation/failure.h"
+#include "spcbase/foundation/outcome.h"
+#include "spcbase/foundation/recordset.h"
+#include "spcbase/foundation/schema.h"
+#include "spcbase/time/calendar.h"
+#include "spcbase/time/system_time_converter.h"
