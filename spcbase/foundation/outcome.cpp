@@ -142,8 +142,15 @@ long code_of(CException* exception) noexcept {
 
 Failure describe_com_error(const _com_error& error) {
   const _bstr_t description = error.Description();
-  const char* text = description;
-  return failure_of(FailureKind::automation, error.Error(), text != nullptr ? text : error.ErrorMessage());
+  const char* known = description;
+  const std::string_view text = known != nullptr ? known : error.ErrorMessage();
+  // An object that works on a database writes the diagnostics behind its text, in the form of CDBException.
+  const auto records = text.find("\nState:");
+  Failure failure = failure_of(FailureKind::automation, error.Error(), CString(text.substr(0, records)));
+  if (records == std::string_view::npos) return failure;
+  classify_records(failure, text.substr(records + 1), text);
+  failure.advice = words_of(failure.failure_class).advice;
+  return failure;
 }
 
 // Releases what was thrown by pointer, whatever happens while it is read.

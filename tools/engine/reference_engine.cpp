@@ -163,7 +163,9 @@ bool find_characteristic(CharacteristicFacts& facts, LONG id) {
 /// Makes the failure the thread's error object and gives the code to return.
 HRESULT publish(const Failure& failure) {
   CString text = failure.text;
-  if (!failure.sqlstate.IsEmpty()) text.AppendFormat(" [%s, %ld]", failure.sqlstate.GetString(), failure.native);
+  // In this form `guarded` of the host finds the diagnostics again, and knows a deadlock from a lost link.
+  if (!failure.sqlstate.IsEmpty())
+    text.AppendFormat("\nState:%s,Native:%ld", failure.sqlstate.GetString(), failure.native);
   static_cast<void>(create_err_object(nullptr, &interface_id<SPCLib::IQsmSPC>::value, text));
   const bool has_code = failure.kind != FailureKind::database && failure.code < 0;
   return has_code ? static_cast<HRESULT>(failure.code) : E_FAIL;

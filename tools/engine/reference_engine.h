@@ -28,8 +28,10 @@ namespace reference_engine {
 ///   characteristic, since labels are asked about too.
 /// - `GetSubgroupSize` gives SGSIZE of CSCHRT, 0 for null; E_INVALIDARG when there is no such characteristic.
 ///
-/// Fails: a method gives a failing code and publishes an error object that says what happened, with the SQLSTATE and
-///        the server's own number when the database refused; E_POINTER for a null out argument.
+/// Fails: a method gives a failing code and publishes an error object that says what happened; a refusal of the
+/// database
+///        stands in it with its diagnostics, so that `guarded` tells a deadlock or a lost link from the rest. E_POINTER
+///        for a null out argument.
 SPCLib::IQsmSPCPtr make(CDatabase& db);
 
 }  // namespace reference_engine
