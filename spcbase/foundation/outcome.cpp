@@ -175,6 +175,9 @@ Failure describe_failure(const CDBException& exception) {
   const bool cut_on_reading = exception.m_nRetCode == AFX_SQL_ERROR_DATA_TRUNCATED;
   if (cut_on_reading && failure.failure_class == FailureClass::other)
     failure.failure_class = FailureClass::value_too_long;
+  // Most drivers tell a link that breaks during a commit like any other: whether the work stands is not known then.
+  if (failure.failure_class == FailureClass::link_lost && exception.m_strStatement == "COMMIT")
+    failure.failure_class = FailureClass::commit_in_doubt;
   if (failure.text.IsEmpty()) failure.text = load_message(msg::unknown_error);
   failure.advice = words_of(failure.failure_class).advice;
   return failure;

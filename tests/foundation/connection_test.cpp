@@ -15,6 +15,7 @@
 #include <vector>
 
 #include "spcbase/foundation/connection.h"
+#include "spcbase/foundation/outcome.h"
 #include "spcbase/foundation/recordset.h"
 #include "spcbase/foundation/schema.h"
 #include "spcbase/platform/database/connection.h"
@@ -243,6 +244,30 @@ TEST(AutoODBCTransaction, is_passive_in_a_transaction_that_the_host_began_itself
   }
   EXPECT_EQ(server.transaction_calls(), Statements{"begin"});
   EXPECT_TRUE(server.db.CommitTrans());
+}
+
+TEST(guarded, a_lost_answer_to_a_commit_is_a_commit_in_doubt_and_never_tried_again) {
+  for (const char* state : {"08S01", "08007", "40003"}) {
+    Played server;
+    server.script->lose_answer("commit", error(state, 2006, "Server has gone away"));
+    server.open();
+    AutoODBCTransaction guard(server.db, true);
+    const auto outcome = guarded([&] { return guard.commit(); });
+    ASSERT_FALSE(outcome.ok());
+    EXPECT_EQ(outcome.failure().failure_class, FailureClass::commit_in_doubt) << state;
+    EXPECT_FALSE(outcome.failure().may_retry());
+  }
+}
+
+TEST(guarded, a_link_that_is_lost_elsewhere_is_no_commit_in_doubt) {
+  Played server;
+  server.script->on("DELETE FROM CSSTN").refuse(error("08S01", 2006, "Server has gone away"));
+  server.script->refuse_call("rollback", error("08S01", 2006, "Server has gone away"));
+  server.open();
+  EXPECT_EQ(guarded([&] { server.db.ExecuteSQL("DELETE FROM CSSTN"); }).failure().failure_class,
+            FailureClass::link_lost);
+  AutoODBCTransaction guard(server.db, true);
+  EXPECT_EQ(guarded([&] { return guard.rollback(); }).failure().failure_class, FailureClass::link_lost);
 }
 
 TEST(check_connection, asks_the_driver_for_information_86_and_takes_0_and_1_for_alive) {

@@ -2,7 +2,7 @@
 //   On SQLite, MariaDB and SQLite's ODBC driver: duplicate key (primary and unique), missing reference, value too long,
 //     missing table and column, syntax, a locked row or file -> failures_live.*
 //   SQLite: a full database, a read-only one, a file that is missing or no database, an overtaken snapshot
-//   MariaDB: a deadlock between two connections, a lost link, a login without rights, a statement out of time,
+//   MariaDB: a deadlock between two connections, a lost link, one lost at a commit, a login without rights, a statement out of time,
 //     a server that is not there
 //   The tools of a host: connect texts that name nothing -> connect_texts.*
 #include <gtest/gtest.h>
@@ -34,7 +34,7 @@ class failures_live : public test_support::DatabaseTest {
       ADD_FAILURE() << "it succeeded: " << statement;
       return {};
     }
-    const Failure f = outcome.failure();
+    Failure f = outcome.failure();
     EXPECT_EQ(f.kind, FailureKind::database);
     EXPECT_FALSE(f.text.IsEmpty());
     EXPECT_FALSE(f.advice.IsEmpty());
@@ -188,6 +188,19 @@ TEST_P(mariadb_failures, a_connection_that_the_server_has_ended_is_a_lost_link) 
   EXPECT_FALSE(f.may_retry());
   EXPECT_FALSE(db().check_connection(0));
   EXPECT_TRUE(db().link_is_dead());
+}
+
+TEST_P(mariadb_failures, a_link_that_is_lost_when_the_work_is_committed_leaves_the_commit_in_doubt) {
+  RSCount id(&db(), "CSNODE", "CONNECTION_ID() + 0 * COUNT(*)");
+  requery_rs(id, nullptr, true);
+  AutoODBCTransaction guard(db(), true);
+  db().ExecuteSQL("INSERT INTO CSSTN (STNID, NAME) VALUES (1, 'a')");
+  execute("KILL " + std::to_string(id.result));
+  const auto outcome = guarded([&] { return guard.commit(); });
+  ASSERT_FALSE(outcome.ok());
+  const Failure& f = outcome.failure();
+  EXPECT_EQ(f.failure_class, FailureClass::commit_in_doubt) << f.sqlstate << " " << f.native << " " << f.text;
+  EXPECT_FALSE(f.may_retry());
 }
 
 TEST_P(mariadb_failures, a_login_without_rights_is_refused_permission) {

@@ -80,7 +80,7 @@ class PlainSqlite {
 const std::string& sqlite_template() {
   static const ScratchFolder folder;
   static const std::string made = [] {
-    const std::string file = folder.file("template.db");
+    std::string file = folder.file("template.db");
     PlainSqlite database(file);
     database.rows("BEGIN");
     for (const auto& statement : schema::create_statements(schema::Server::sqlite))
