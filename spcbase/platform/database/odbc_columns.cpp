@@ -64,6 +64,19 @@ ValueKind kind_of(short sql_type) noexcept {
 
 }  // namespace
 
+ValueKind OdbcStatement::kind_of_column(unsigned column) {
+  if (session_.quirks().fetch_as_text) return ValueKind::text;
+  const auto type = infos_[column].sql_type;
+  if (type != SQL_BIGINT) return kind_of(type);
+  // The upper half of an unsigned column would come as negative numbers.
+  SQLLEN is_unsigned = SQL_FALSE;
+  checked("SQLColAttribute", [&] {
+    return SQLColAttribute(handle_, static_cast<SQLUSMALLINT>(column + 1), SQL_DESC_UNSIGNED, nullptr, 0, nullptr,
+                           &is_unsigned);
+  });
+  return is_unsigned == SQL_TRUE ? ValueKind::text : ValueKind::integer;
+}
+
 void OdbcStatement::bind_columns(std::span<const ColumnBinding> columns) {
   close();
   if (columns.size() > columns_in_result_)
@@ -75,7 +88,7 @@ void OdbcStatement::bind_columns(std::span<const ColumnBinding> columns) {
   for (unsigned i = 0; i < columns.size(); ++i) {
     auto& column = columns_[i];
     column.wanted = columns[i].kind;
-    column.held = session_.quirks().fetch_as_text ? ValueKind::text : kind_of(infos_[i].sql_type);
+    column.held = kinds_[i];
     column.width_chars = columns[i].width_chars;
     if (column.wanted == ValueKind::text && column.width_chars <= 0) {
       const auto size = infos_[i].precision;
@@ -88,7 +101,7 @@ void OdbcStatement::bind_columns(std::span<const ColumnBinding> columns) {
 void OdbcStatement::bind_as_described() {
   std::vector<ColumnBinding> bindings(columns_in_result_);
   for (unsigned i = 0; i < columns_in_result_; ++i)
-    bindings[i].kind = kind_of(infos_[i].sql_type);
+    bindings[i].kind = kinds_[i];
   bind_columns(bindings);
 }
 
@@ -121,14 +134,18 @@ void OdbcStatement::bind_arrays() {
 }
 
 OdbcColumn* OdbcStatement::find(unsigned column, SQLLEN& length) {
-  if (!has_row_) raise(AFX_SQL_ERROR_NO_CURRENT_RECORD, "24000", "There is no current row.");
-  if (column >= columns_.size())
-    raise(AFX_SQL_ERROR_FIELD_SCHEMA_MISMATCH, "07009",
-          std::to_string(columns_.size()) + " columns are bound; column " + std::to_string(column + 1) +
-              " was asked for.");
+  if (!has_row_ || column >= columns_.size()) [[unlikely]]
+    refuse_column(column);
   auto& place = columns_[column];
   length = place.indicators[row_];
   return length == SQL_NULL_DATA ? nullptr : &place;
+}
+
+void OdbcStatement::refuse_column(unsigned column) const {
+  if (!has_row_) raise(AFX_SQL_ERROR_NO_CURRENT_RECORD, "24000", "There is no current row.");
+  raise(
+      AFX_SQL_ERROR_FIELD_SCHEMA_MISMATCH, "07009",
+      std::to_string(columns_.size()) + " columns are bound; column " + std::to_string(column + 1) + " was asked for.");
 }
 
 std::string_view OdbcStatement::held_text(unsigned column, OdbcColumn& place, SQLLEN length) {

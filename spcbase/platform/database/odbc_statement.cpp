@@ -56,8 +56,11 @@ void OdbcStatement::prepare(std::string_view sql) {
   columns_in_result_ = static_cast<unsigned>(count);
   // Now: one driver forgets them when the first result is closed.
   infos_.reserve(columns_in_result_);
-  for (unsigned i = 0; i < columns_in_result_; ++i)
+  kinds_.reserve(columns_in_result_);
+  for (unsigned i = 0; i < columns_in_result_; ++i) {
     infos_.push_back(ask_column(i));
+    kinds_.push_back(kind_of_column(i));
+  }
 }
 
 void OdbcStatement::execute(std::span<const Parameter> parameters) {

@@ -68,12 +68,14 @@ class OdbcStatement final : public Statement {
   void bind_parameter(SQLUSMALLINT position, OdbcParameter& place);
   void apply_timeout();
   ColumnInfo ask_column(unsigned column);
+  ValueKind kind_of_column(unsigned column);
   void bind_as_described();
   void bind_arrays();
   bool fetch_block();
   void check_rows();
   /// The place of a value of the current row, and its length; null when the value is null.
   OdbcColumn* find(unsigned column, SQLLEN& length);
+  [[noreturn]] void refuse_column(unsigned column) const;
   std::string_view held_text(unsigned column, OdbcColumn& place, SQLLEN length);
   const std::string& name_of(unsigned column) const { return infos_[column].name; }
 
@@ -81,6 +83,7 @@ class OdbcStatement final : public Statement {
   SQLHSTMT handle_ = SQL_NULL_HSTMT;
   unsigned columns_in_result_ = 0;
   std::vector<ColumnInfo> infos_;
+  std::vector<ValueKind> kinds_;  ///< in which the driver gives each column without loss
   std::vector<OdbcParameter> parameters_;
   std::vector<OdbcColumn> columns_;
   std::vector<SQLUSMALLINT> row_status_;

@@ -121,7 +121,7 @@ enum class Reading : unsigned char {
 
 /// What is wanted of the table behind an `Edit` when a recordset's class names no key.
 struct TableKey {
-  std::vector<std::string> columns;  ///< the primary key, else the first unique index without nulls; empty: none
+  std::vector<std::string> columns;  ///< the primary key, else a unique index without nulls, in any order; empty: none
 };
 
 /// One connection.

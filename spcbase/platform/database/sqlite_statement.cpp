@@ -29,6 +29,10 @@ SqliteStatement::~SqliteStatement() {
 }
 
 void SqliteStatement::bind_columns(std::span<const ColumnBinding> columns) {
+  if (columns.size() > static_cast<std::size_t>(sqlite3_column_count(statement_)))
+    raise(AFX_SQL_ERROR_FIELD_SCHEMA_MISMATCH, "07009",
+          "The result has " + std::to_string(sqlite3_column_count(statement_)) + " columns, " +
+              std::to_string(columns.size()) + " are wanted.");
   widths_.resize(columns.size());
   for (std::size_t i = 0; i < columns.size(); ++i)
     widths_[i] = columns[i].kind == ValueKind::text ? columns[i].width_chars : 0;
