@@ -219,7 +219,7 @@ TEST(MariaDbSession, a_killed_server_is_noticed_by_the_next_statement_and_by_no_
   const auto database = server.create_database();
   auto session = spcdb::open_odbc(database.odbc_connect_text(), false);
   session->run("CREATE TABLE T (A INTEGER)");
-  const auto kept = session->prepare("SELECT A FROM T", Reading::all);
+  auto kept = session->prepare("SELECT A FROM T", Reading::all);
   session->begin();
   session->run("INSERT INTO T VALUES (1)");
   server.kill_hard();
@@ -235,7 +235,7 @@ TEST(MariaDbSession, a_killed_server_is_noticed_by_the_next_statement_and_by_no_
   EXPECT_NE(caught([&] { session->commit(); }).code, 0);
   server.restart();
   EXPECT_NE(caught([&] { session->run("SELECT 1"); }).code, 0) << "no driver comes back by itself";
-  session->close();
+  kept.reset();
   session = spcdb::open_odbc(database.odbc_connect_text(), false);
   const auto rows = session->prepare("SELECT COUNT(*) FROM T", Reading::all);
   rows->execute({});
