@@ -4,6 +4,7 @@
 #include <chrono>
 #include <cmath>
 #include <cstdio>
+#include <limits>
 #include <stdexcept>
 
 namespace bench {
@@ -11,11 +12,12 @@ namespace {
 
 using Clock = std::chrono::steady_clock;
 
-/// Long enough that the clock and a checkpoint of the log do not matter, short enough that a neighbour's burst hits
-/// both sides.
-constexpr double round_s = 0.02;
-constexpr std::size_t fewest_rounds = 15;
-/// A line that is over its limit gets this many times the rounds before it counts.
+/// Long enough that the clock does not matter, short enough to fit between two bursts of a busy neighbour.
+constexpr double round_s = 0.003;
+/// So many rounds of each side make a batch, whose median counts; the quietest batch of each side is its result.
+constexpr std::size_t rounds_of_batch = 15;
+constexpr int fewest_batches = 3;
+/// A line that is over its limit is measured so many times longer before it counts.
 constexpr int second_looks = 3;
 
 double seconds_of(Work& work, long times) {
@@ -47,33 +49,39 @@ class Rounds {
     // Caches are warm after this on both sides, and statements prepared.
     const double ours = seconds_of(*pair.ours, 1);
     const double plain = seconds_of(*pair.plain, 1);
-    times_ = std::max(1L, std::lround(round_s / std::max(ours + plain, 1e-7) / 4));
+    times_ = std::max(1L, std::lround(round_s / std::max(ours + plain, 1e-7)));
     const double both = seconds_of(*pair.ours, times_) + seconds_of(*pair.plain, times_);
     times_ = std::max(1L, std::lround(static_cast<double>(times_) * 2 * round_s / both));
   }
 
   void run_for(double seconds) {
     const auto end = Clock::now() + std::chrono::duration<double>(seconds);
-    while (ours_.size() < fewest_rounds || Clock::now() < end)
-      run_one();
+    for (int batch = 0; batch < fewest_batches || Clock::now() < end; ++batch)
+      run_batch();
   }
 
-  double ours() const { return median(ours_) / static_cast<double>(times_); }
-  double plain() const { return median(plain_) / static_cast<double>(times_); }
-  double ratio() const { return ours() / plain(); }
+  double ours() const { return ours_ / static_cast<double>(times_); }
+  double plain() const { return plain_ / static_cast<double>(times_); }
+  double ratio() const { return ours_ / plain_; }
 
  private:
-  void run_one() {
-    const bool ours_first = ours_.size() % 2 == 0;
-    if (ours_first) ours_.push_back(seconds_of(*pair_.ours, times_));
-    plain_.push_back(seconds_of(*pair_.plain, times_));
-    if (!ours_first) ours_.push_back(seconds_of(*pair_.ours, times_));
+  void run_batch() {
+    std::vector<double> ours;
+    std::vector<double> plain;
+    while (plain.size() < rounds_of_batch) {
+      const bool ours_first = plain.size() % 2 == 0;
+      if (ours_first) ours.push_back(seconds_of(*pair_.ours, times_));
+      plain.push_back(seconds_of(*pair_.plain, times_));
+      if (!ours_first) ours.push_back(seconds_of(*pair_.ours, times_));
+    }
+    ours_ = std::min(ours_, median(std::move(ours)));
+    plain_ = std::min(plain_, median(std::move(plain)));
   }
 
   Pair& pair_;
   long times_ = 1;
-  std::vector<double> ours_;
-  std::vector<double> plain_;
+  double ours_ = std::numeric_limits<double>::infinity();
+  double plain_ = std::numeric_limits<double>::infinity();
 };
 
 void require_same_statements(const Job& job, Pair& pair) {
