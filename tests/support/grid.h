@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "spcbase/platform/automation/bstr.h"
+#include "spcbase/platform/automation/com_error.h"
 #include "spcbase/platform/automation/holders.h"
 #include "spcbase/platform/automation/safe_array.h"
 #include "spcbase/platform/automation/variant_t.h"
