@@ -38,14 +38,19 @@ PATH=$PATH:/usr/sbin:/sbin
 lax=(--innodb-flush-log-at-trx-commit=2 --innodb-flush-method=O_DIRECT_NO_FSYNC --skip-innodb-doublewrite
   --innodb-log-file-size=64M)
 
+# A server that starts clears its temporary folder, so two must never share one.
+own_folder() { mkdir "$folder/tmp" && if [ -n "$user" ]; then chown "$user" "$folder" "$folder/tmp"; fi; }
+
 install_data() {
   template=${SPC_TEST_MARIADB_TEMPLATE:-}
   if [ -z "$template" ]; then
     template=$folder/template
     "${as_user[@]}" mariadb-install-db --no-defaults --auth-root-authentication-method=normal --skip-test-db \
-      --skip-name-resolve --datadir="$template" "${lax[@]}" >"$folder/install.log" 2>&1 || fail "no data folder could be made"
+      --skip-name-resolve --datadir="$template" --tmpdir="$folder/tmp" "${lax[@]}" \
+      >"$folder/install.log" 2>&1 || fail "no data folder could be made"
   fi
-  "${as_user[@]}" cp -R --sparse=always --reflink=auto -- "$template" "$folder/data" || fail "the data folder could not be copied"
+  "${as_user[@]}" cp -R --sparse=always --reflink=auto -- "$template" "$folder/data" ||
+    fail "the data folder could not be copied"
   cat >"$folder/init.sql" <<'SQL'
 CREATE USER IF NOT EXISTS spc@localhost IDENTIFIED BY 'spc';
 GRANT ALL ON *.* TO spc@localhost;
@@ -53,12 +58,12 @@ SQL
 }
 
 start() {
-  "${as_user[@]}" mariadbd --no-defaults --datadir="$folder/data" --socket="$folder/s.sock" --pid-file="$folder/pid" \
-    --skip-networking --character-set-server=utf8mb4 --max-allowed-packet=256M --innodb-buffer-pool-size=256M \
+  "${as_user[@]}" mariadbd --no-defaults --datadir="$folder/data" --tmpdir="$folder/tmp" --socket="$folder/s.sock" \
+    --pid-file="$folder/pid" --skip-networking --character-set-server=utf8mb4 --max-allowed-packet=256M --innodb-buffer-pool-size=256M \
     --max-connections=200 --init-file="$folder/init.sql" "${lax[@]}" --log-error="$folder/err.log" \
     </dev/null >/dev/null 2>&1 &
   server=$!
-  for _ in $(seq 1 600); do
+  for _ in $(seq 1 1200); do
     if mariadb --no-defaults -S "$folder/s.sock" -uspc -pspc -e 'DO 1' >/dev/null 2>&1; then
       echo "ready $folder/s.sock $template"
       return
@@ -76,7 +81,7 @@ stop_hard() {
 }
 
 folder=$(mktemp -d) || fail "no temporary folder"
-if [ -n "$user" ]; then chown "$user" "$folder"; fi
+own_folder || fail "the temporary folder could not be given to the server"
 install_data
 start
 while read -r command; do

@@ -85,7 +85,7 @@ TEST(PrivateMariaDb, its_folder_is_gone_after_a_crash_of_its_program) {
   std::ifstream(note) >> socket;
   ASSERT_FALSE(socket.empty());
   const std::filesystem::path folder = std::filesystem::path(socket).parent_path();
-  for (int i = 0; i < 300 && std::filesystem::exists(folder); ++i) {
+  for (int i = 0; i < 1200 && std::filesystem::exists(folder); ++i) {
     std::this_thread::sleep_for(std::chrono::milliseconds(100));
   }
   EXPECT_FALSE(std::filesystem::exists(folder));
