@@ -32,84 +32,88 @@ namespace {
   raise(AFX_SQL_ERROR, "22003", std::string("The value of ") + name + " is beyond 32 bits.");
 }
 
+/// Every pass but the reading of rows.
+void tell_of_column(CFieldExchange& exchange, const char* name, ValueKind kind, int width, void* member) {
+  RecordsetCore& core = exchange.m_prs->core();
+  if (exchange.IsFieldType(CFieldExchange::param)) {
+    if (exchange.m_nOperation == CFieldExchange::BindParam) core.bind_parameter(name, value_of_member(kind, member));
+  } else if (exchange.m_nOperation == CFieldExchange::Name) {
+    core.name_column(exchange, name, kind);
+  } else if (exchange.m_nOperation == CFieldExchange::BindFieldToColumn) {
+    core.bind_column(member, kind, width);
+  }
+}
+
 /// What all RFX_ functions do alike; `fetch` reads the member from a row and says whether it was not null.
-template <class Value, class Fetch, class Bind>
-inline void exchange_column(CFieldExchange* exchange, const char* name, ValueKind kind, int width, Value& value,
-                            Fetch&& fetch, Bind&& bind) {
-  RecordsetCore& core = exchange->m_prs->core();
-  if (exchange->m_nOperation == CFieldExchange::Fixup) [[likely]] {
-    if (!exchange->IsFieldType(CFieldExchange::outputColumn)) return;
-    const unsigned position = RecordsetCore::next(*exchange);
-    if (!core.has_field(position)) return;
-    core.field(position).is_null = !fetch(core.row(), position);
-    return;
-  }
-  if (exchange->IsFieldType(CFieldExchange::param)) {
-    if (exchange->m_nOperation == CFieldExchange::BindParam) core.bind_parameter(name, bind());
-  } else if (exchange->m_nOperation == CFieldExchange::Name) {
-    core.name_column(*exchange, name, kind);
-  } else if (exchange->m_nOperation == CFieldExchange::BindFieldToColumn) {
-    core.bind_column(&value, kind, width);
-  }
+template <class Fetch>
+inline void exchange_column(CFieldExchange& exchange, const char* name, ValueKind kind, int width, void* member,
+                            Fetch&& fetch) {
+  if (exchange.m_nOperation != CFieldExchange::Fixup) [[unlikely]]
+    return tell_of_column(exchange, name, kind, width, member);
+  if (!exchange.IsFieldType(CFieldExchange::outputColumn)) return;
+  RecordsetCore& core = exchange.m_prs->core();
+  const unsigned position = RecordsetCore::next(exchange);
+  if (core.has_field(position)) core.field(position).is_null = !fetch(core.row(), position);
 }
 
 }  // namespace
 
+Parameter value_of_member(ValueKind kind, const void* member) {
+  switch (kind) {
+    case ValueKind::integer:
+      return Parameter::of_integer(*static_cast<const long*>(member));
+    case ValueKind::real:
+      return Parameter::of_real(*static_cast<const double*>(member));
+    case ValueKind::text:
+      return Parameter::of_text(static_cast<const CString*>(member)->view());
+    case ValueKind::moment:
+      break;
+  }
+  return Parameter::of_moment(*static_cast<const TIMESTAMP_STRUCT*>(member));
+}
+
 }  // namespace spcdb
 
-using spcdb::Parameter;
 using spcdb::Row;
 using spcdb::ValueKind;
 
 void RFX_Long(CFieldExchange* exchange, const char* name, long& value) {
-  spcdb::exchange_column(
-      exchange, name, ValueKind::integer, 0, value,
-      [&](Row& row, unsigned position) {
-        std::int64_t fetched = 0;
-        const bool has_value = row.integer(position, fetched);
-        if (fetched < std::numeric_limits<LONG>::min() || fetched > std::numeric_limits<LONG>::max()) [[unlikely]]
-          spcdb::raise_out_of_range(name);
-        value = fetched;
-        return has_value;
-      },
-      [&] { return Parameter::of_integer(value); });
+  spcdb::exchange_column(*exchange, name, ValueKind::integer, 0, &value, [&](Row& row, unsigned position) {
+    std::int64_t fetched = 0;
+    const bool has_value = row.integer(position, fetched);
+    if (fetched < std::numeric_limits<LONG>::min() || fetched > std::numeric_limits<LONG>::max()) [[unlikely]]
+      spcdb::raise_out_of_range(name);
+    value = fetched;
+    return has_value;
+  });
 }
 
 void RFX_Text(CFieldExchange* exchange, const char* name, CString& value, int max_length, int column_type,
               short scale) {
   static_cast<void>(column_type);
   static_cast<void>(scale);
-  spcdb::exchange_column(
-      exchange, name, ValueKind::text, max_length, value,
-      [&](Row& row, unsigned position) {
-        std::string_view fetched;
-        const bool has_value = row.text(position, fetched);
-        value = fetched;
-        return has_value;
-      },
-      [&] { return Parameter::of_text(value.view()); });
+  spcdb::exchange_column(*exchange, name, ValueKind::text, max_length, &value, [&](Row& row, unsigned position) {
+    std::string_view fetched;
+    const bool has_value = row.text(position, fetched);
+    value = fetched;
+    return has_value;
+  });
 }
 
 void RFX_Date(CFieldExchange* exchange, const char* name, TIMESTAMP_STRUCT& value) {
-  spcdb::exchange_column(
-      exchange, name, ValueKind::moment, 0, value,
-      [&](Row& row, unsigned position) {
-        TIMESTAMP_STRUCT fetched{};
-        const bool has_value = row.moment(position, fetched);
-        value = fetched;
-        return has_value;
-      },
-      [&] { return Parameter::of_moment(value); });
+  spcdb::exchange_column(*exchange, name, ValueKind::moment, 0, &value, [&](Row& row, unsigned position) {
+    TIMESTAMP_STRUCT fetched{};
+    const bool has_value = row.moment(position, fetched);
+    value = fetched;
+    return has_value;
+  });
 }
 
 void RFX_Double(CFieldExchange* exchange, const char* name, double& value) {
-  spcdb::exchange_column(
-      exchange, name, ValueKind::real, 0, value,
-      [&](Row& row, unsigned position) {
-        double fetched = 0;
-        const bool has_value = row.real(position, fetched);
-        value = fetched;
-        return has_value;
-      },
-      [&] { return Parameter::of_real(value); });
+  spcdb::exchange_column(*exchange, name, ValueKind::real, 0, &value, [&](Row& row, unsigned position) {
+    double fetched = 0;
+    const bool has_value = row.real(position, fetched);
+    value = fetched;
+    return has_value;
+  });
 }

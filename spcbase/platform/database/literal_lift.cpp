@@ -37,6 +37,7 @@ class Lifter {
   void run() {
     while (at_ < given_.size())
       step();
+    copy();
   }
 
  private:
@@ -50,7 +51,7 @@ class Lifter {
       number();
     } else if (c == '?') {
       literals_.slots.push_back({});
-      copy_to(at_ + 1);
+      ++at_;
       last_word_ = {};
     } else {
       other(c);
@@ -59,17 +60,17 @@ class Lifter {
 
   void other(char c) {
     if (c == '[' || c == '"' || c == '`') {
-      copy_to(scan::name_end(given_, at_));
+      at_ = scan::name_end(given_, at_);
       last_word_ = {};
     } else if (c == '{') {
-      copy_to(scan::brace_end(given_, at_));
+      at_ = scan::brace_end(given_, at_);
     } else if (scan::at_comment(given_, at_)) {
-      copy_to(scan::comment_end(given_, at_));
+      at_ = scan::comment_end(given_, at_);
     } else {
       if (c == '(') open_bracket();
       if (c == ')') close_bracket();
       if (!scan::is_space(c) && c != '(') last_word_ = {};
-      copy_to(at_ + 1);
+      ++at_;
     }
   }
 
@@ -78,7 +79,7 @@ class Lifter {
     last_word_ = given_.substr(at_, end - at_);
     // N'..', X'..' and _utf8'..': the literal belongs to the word.
     if (end < given_.size() && given_[end] == '\'') {
-      copy_to(scan::literal_end(given_, end));
+      at_ = scan::literal_end(given_, end);
       last_word_ = {};
       return;
     }
@@ -89,18 +90,17 @@ class Lifter {
     } else if (same_word(last_word_, "SELECT")) {
       positions_ = false;
     }
-    copy_to(end);
+    at_ = end;
   }
 
   void literal() {
     const auto end = scan::literal_end(given_, at_);
     const bool complete = end - at_ >= 2 && given_[end - 1] == '\'';
     if (!lifting_ || !complete || types_a_literal(last_word_)) {
-      copy_to(end);
+      at_ = end;
       return;
     }
     add_text(at_ + 1, end - 1);
-    at_ = end;
     last_word_ = {};
   }
 
@@ -120,13 +120,16 @@ class Lifter {
       }
       slot.length = literals_.unescaped.size() - slot.offset;
     }
-    add(slot);
+    add(slot, end + 1);
   }
 
-  void add(const LiftedSlot& slot) {
+  /// Puts a `?` in the place of the literal that ends at `end`.
+  void add(const LiftedSlot& slot, std::size_t end) {
     literals_.slots.push_back(slot);
     literals_.any_lifted = true;
+    copy();
     shape_ += '?';
+    at_ = copied_ = end;
   }
 
   void number() {
@@ -145,10 +148,9 @@ class Lifter {
     const bool runs_on = end < given_.size() && (scan::is_word_start(given_[end]) || given_[end] == '.');
     LiftedSlot slot;
     if (lifting_ && !positions_ && width_depth_ == 0 && !follows_dot && !runs_on && parse(end, whole, slot)) {
-      add(slot);
-      at_ = end;
+      add(slot, end);
     } else {
-      copy_to(runs_on ? scan::word_end(given_, end) : end);
+      at_ = runs_on ? scan::word_end(given_, end) : end;
     }
     last_word_ = {};
   }
@@ -185,15 +187,14 @@ class Lifter {
     positions_ = false;
   }
 
-  void copy_to(std::size_t end) {
-    shape_.append(given_, at_, end - at_);
-    at_ = end;
-  }
+  /// Writes what was passed over since the last literal.
+  void copy() { shape_.append(given_, copied_, at_ - copied_); }
 
   std::string_view given_;
   std::string& shape_;
   LiftedLiterals& literals_;
   std::size_t at_ = 0;
+  std::size_t copied_ = 0;  ///< what stands before it is in the shape
   bool lifting_;
   bool positions_ = false;  ///< numbers are positions of columns
   int width_depth_ = 0;     ///< inside the brackets of a type

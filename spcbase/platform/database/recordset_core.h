@@ -24,6 +24,9 @@ struct Field {
   bool kept = false;     ///< counts as unchanged whatever its value
 };
 
+/// A data member's value on its way to the server. A text is not copied.
+Parameter value_of_member(ValueKind kind, const void* member);
+
 class RecordsetCore {
  public:
   explicit RecordsetCore(CRecordset& recordset) : recordset_(recordset) {}

@@ -94,18 +94,7 @@ bool RecordsetCore::holds_unset(const Field& field) const {
 }
 
 Parameter RecordsetCore::member_value(const Field& field) const {
-  if (null_now(field)) return Parameter::null_of(field.kind);
-  switch (field.kind) {
-    case ValueKind::integer:
-      return Parameter::of_integer(*static_cast<const long*>(field.address));
-    case ValueKind::real:
-      return Parameter::of_real(*static_cast<const double*>(field.address));
-    case ValueKind::text:
-      return Parameter::of_text(static_cast<const CString*>(field.address)->view());
-    case ValueKind::moment:
-      break;
-  }
-  return Parameter::of_moment(*static_cast<const TIMESTAMP_STRUCT*>(field.address));
+  return null_now(field) ? Parameter::null_of(field.kind) : value_of_member(field.kind, field.address);
 }
 
 bool RecordsetCore::changed(unsigned position) {

@@ -12,26 +12,27 @@ void RowBuffer::reset(std::span<const ColumnBinding> columns) {
 }
 
 void RowBuffer::take(Row& source) {
-  for (unsigned column = 0; column < kinds_.size(); ++column) {
-    Cell cell{};
+  const auto first = cells_.size();
+  cells_.resize(first + kinds_.size());
+  Cell* cell = cells_.data() + first;
+  for (unsigned column = 0; column < kinds_.size(); ++column, ++cell) {
     switch (kinds_[column]) {
       case ValueKind::integer:
-        cell.is_null = !source.integer(column, cell.integer);
+        cell->is_null = !source.integer(column, cell->integer);
         break;
       case ValueKind::real:
-        cell.is_null = !source.real(column, cell.real);
+        cell->is_null = !source.real(column, cell->real);
         break;
       case ValueKind::text: {
         std::string_view value;
-        cell.is_null = !source.text(column, value);
-        cell.text = keep(value);
+        cell->is_null = !source.text(column, value);
+        cell->text = keep(value);
         break;
       }
       case ValueKind::moment:
-        cell.is_null = !source.moment(column, cell.moment);
+        cell->is_null = !source.moment(column, cell->moment);
         break;
     }
-    cells_.push_back(cell);
   }
 }
 
