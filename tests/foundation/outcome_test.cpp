@@ -223,6 +223,8 @@ const Sample samples[] = {
      FailureClass::lock_timeout},
     {"mariadb", "HY000", 5014, "Write error: Broken pipe (32)", FailureClass::link_lost},
     {"mariadb", "08S01", 2006, "Server has gone away", FailureClass::link_lost},
+    {"mariadb, at a prepare", "HY001", 2006, "Server has gone away", FailureClass::link_lost},
+    {"mariadb, at a prepare", "HY001", 2013, "Lost connection to server during query", FailureClass::link_lost},
     {"mariadb", "08S01", 1047, "WSREP has not yet prepared node for application use", FailureClass::link_lost},
     {"mariadb", "08003", 0, "Connection does not exist", FailureClass::link_lost},
     {"mariadb", "HY000", 2002, "Can't connect to local server through socket", FailureClass::link_lost},

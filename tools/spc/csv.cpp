@@ -16,8 +16,8 @@ namespace {
 constexpr std::string_view byte_order_mark = "\xEF\xBB\xBF";
 
 [[noreturn]] void refuse(const std::string& name, std::size_t line, const std::string& why, std::string advice = {}) {
-  const std::string where = line == 0 ? name : name + ", line " + std::to_string(line);
-  throw Problem{"cannot read " + name, where + ": " + why, std::move(advice)};
+  const std::string where = line == 0 ? "" : "line " + std::to_string(line) + ": ";
+  throw Problem{"cannot read " + name, where + why, std::move(advice)};
 }
 
 /// Reads records one after the other.

@@ -12,6 +12,7 @@
 #include "tools/spc/demo_database.h"
 #include "tools/spc/demo_files.h"
 #include "tools/spc/embedded_data.h"
+#include "tools/spc/problem.h"
 #include "tools/spc/sample_view.h"
 #include "tools/spc/schema_work.h"
 #include "tools/spc/table.h"
@@ -78,7 +79,7 @@ class Demo {
   }
 
   plant::DemoPlant build_plant() {
-    return link_.doing("cannot build the plant", [&] {
+    return doing("cannot build the plant", [&] {
       AutoODBCTransaction transaction(link_.db(), true);
       auto plant = plant::build_demo_plant(link_.db());
       transaction.commit();
@@ -126,7 +127,7 @@ class Demo {
   std::size_t compare(oldde::DEHelper& helper, const Entered& entered, std::size_t i, Step& step) {
     const long number = entered.numbers[i];
     const Grid& wanted = entered.samples[i].grid;
-    const Grid found = link_.doing("cannot read sample " + std::to_string(number), [&] {
+    const Grid found = doing("cannot read sample " + std::to_string(number), [&] {
       double date = 0;
       return Grid(
           helper.get_data(link_.engine(), link_.db(), static_cast<int>(number), entered.shape.id, 0, 0, 0, &date));

@@ -6,6 +6,7 @@
 #include "spcbase/foundation/failure.h"
 #include "spcbase/foundation/schema.h"
 #include "spcbase/platform/database/connect_text.h"
+#include "tools/spc/problem.h"
 #include "tools/spc/schema_work.h"
 
 namespace spc {
@@ -54,7 +55,7 @@ DemoDatabase::DemoDatabase(const DemoRequest& request) {
   } else {
     if (fs::exists(file))
       throw Problem{cannot_run, "the file " + file + " is there already", "Name a file that does not exist yet."};
-    next_ = "--connect 'sqlite:" + file + "'";
+    next_ = "--connect '" + sqlite_connect_text(file) + "'";
   }
   connect_text_ = sqlite_connect_text(file) + ";Create=1";
 }
@@ -73,18 +74,18 @@ void make_room_for_demo(Link& link) {
   const SchemaState state = inspect_schema(link);
   if (state.present.empty()) return;
   const bool holds_mark = std::find(state.present.begin(), state.present.end(), "CSINI") != state.present.end();
-  const bool ours = holds_mark && link.doing(cannot_run, [&] { return is_marked(link); });
+  const bool ours = holds_mark && doing(cannot_run, [&] { return is_marked(link); });
   if (!ours)
     throw Problem{cannot_run, "the database is in use: it holds " + state.present.front() + " and more of the schema",
                   "The demo wants an empty database, or one that it has filled before."};
-  if (link.doing(cannot_run, [&] { return sample_count(link); }) > demo_samples)
+  if (doing(cannot_run, [&] { return sample_count(link); }) > demo_samples)
     throw Problem{cannot_run, "the database of an earlier demo holds samples that are not the demo's",
                   "Name an empty database."};
   drop_schema(link);
 }
 
 void mark_as_demo(Link& link) {
-  link.doing(cannot_run, [&] {
+  doing(cannot_run, [&] {
     RSINI mark(&link.db(), false);
     if (!mark.Open(CRecordset::snapshot, nullptr, CRecordset::appendOnly)) throw_can_not_open_rs_exception();
     mark.AddNew();

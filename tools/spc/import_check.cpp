@@ -5,6 +5,7 @@
 #include <set>
 
 #include "tools/spc/cell_reader.h"
+#include "tools/spc/problem.h"
 #include "tools/spc/utf8.h"
 
 namespace spc {
@@ -38,11 +39,16 @@ class Checker {
   }
 
  private:
-  [[noreturn]] void refuse(const std::string& where, const std::string& why, std::string advice = {}) const {
-    throw Problem{"cannot import " + file_.name, file_.name + where + ": " + why, std::move(advice)};
+  [[noreturn]] void refuse(std::string why, std::string advice = {}) const {
+    throw Problem{"cannot import " + file_.name, std::move(why), std::move(advice)};
   }
   [[noreturn]] void refuse_line(std::size_t line, const std::string& why, std::string advice = {}) const {
-    refuse(", line " + std::to_string(line), why, std::move(advice));
+    refuse("line " + std::to_string(line) + ": " + why, std::move(advice));
+  }
+  /// A fault in one field; `origin` says which.
+  [[noreturn]] void refuse_field(std::size_t line, const std::string& origin, const std::string& why,
+                                 std::string advice = {}) const {
+    refuse("line " + std::to_string(line) + ", " + origin + ": " + why, std::move(advice));
   }
 
   std::string wanted_columns() const {
@@ -62,7 +68,7 @@ class Checker {
     std::set<std::string> seen;
     for (const auto& column : shape_.columns)
       if (!seen.insert(column.name).second)
-        refuse("", "the profile \"" + shape_.name + "\" has two entries named \"" + column.name + "\"",
+        refuse("the profile \"" + shape_.name + "\" has two entries named \"" + column.name + "\"",
                "Give them different names: columns are told apart by name.");
     seen.clear();
     for (const auto& heading : file_.header.fields)
@@ -123,10 +129,10 @@ class Checker {
   void take_constant(const Constant& constant) {
     const GridColumn* column = column_of(constant.entry);
     if (column == nullptr)
-      refuse("", "--set names \"" + constant.entry + "\", which is not in the profile", wanted_columns());
+      refuse("--set names \"" + constant.entry + "\", which is not in the profile", wanted_columns());
     Source& source = source_of(column);
     if (source.field || source.constant != nullptr)
-      refuse("", "\"" + constant.entry + "\" is given twice",
+      refuse("\"" + constant.entry + "\" is given twice",
              source.field ? "Leave out --set, or take the column out of the file." : "Give --set once for each entry.");
     source.constant = &constant;
   }
@@ -136,7 +142,7 @@ class Checker {
     std::set<std::string> seen;
     for (const auto& row : file_.rows) {
       const std::string key(trimmed(row.fields[*sample_field_]));
-      if (key.empty()) refuse_line(row.line, "column sample: there is no sample");
+      if (key.empty()) refuse_field(row.line, "column sample", "there is no sample");
       if (groups.empty() || groups.back().key != key) {
         if (!seen.insert(key).second)
           refuse_line(row.line, "sample " + key + " comes again: its lines must stand together");
@@ -152,10 +158,10 @@ class Checker {
     for (std::size_t i = 0; piece_field_ && i < count; ++i) {
       const std::string_view piece = trimmed(group.rows[i]->fields[*piece_field_]);
       if (piece != std::to_string(i + 1))
-        refuse_line(group.rows[i]->line,
-                    "column piece: \"" + std::string(piece) + "\" where " + std::to_string(i + 1) +
-                        " is next in sample " + group.key,
-                    "The pieces of a sample are 1, 2, 3 and so on, in this order.");
+        refuse_field(
+            group.rows[i]->line, "column piece",
+            "\"" + std::string(piece) + "\" where " + std::to_string(i + 1) + " is next in sample " + group.key,
+            "The pieces of a sample are 1, 2, 3 and so on, in this order.");
     }
     if (shape_.pieces != 0 && count != shape_.pieces)
       refuse_line(group.rows.front()->line,
@@ -190,13 +196,13 @@ class Checker {
     if (!column.by_piece && row > 0) {
       const bool says_other = !trimmed(field).empty() && field != field_of(source, group, 0, number);
       if (says_other)
-        refuse_line(group.rows[row]->line, origin(source, file_) + ": sample " + group.key +
-                                               " has another value in line " + std::to_string(group.rows[0]->line) +
-                                               ", and it takes one for all its pieces");
+        refuse_field(group.rows[row]->line, origin(source, file_),
+                     "sample " + group.key + " has another value in line " + std::to_string(group.rows[0]->line) +
+                         ", and it takes one for all its pieces");
       return;
     }
     ReadCell cell = read_cell(field, column);
-    if (!cell.wrong.empty()) refuse_line(group.rows[row]->line, origin(source, file_) + ": " + cell.wrong, cell.advice);
+    if (!cell.wrong.empty()) refuse_field(group.rows[row]->line, origin(source, file_), cell.wrong, cell.advice);
     grid.put(column.index, static_cast<LONG>(row), cell.value);
   }
 
@@ -207,8 +213,8 @@ class Checker {
       const GridColumn& text = shape_.columns[static_cast<std::size_t>(column.companion)];
       for (LONG row = 0; row < grid.rows(); ++row)
         if (grid.at(column.index, row).vt != VT_EMPTY && grid.at(text.index, row).vt == VT_EMPTY)
-          refuse_line(group.rows[static_cast<std::size_t>(row)]->line,
-                      "column " + column.name + ": a count without a " + text.name);
+          refuse_field(group.rows[static_cast<std::size_t>(row)]->line, "column " + column.name,
+                       "a count without a " + text.name);
     }
   }
 

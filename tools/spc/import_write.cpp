@@ -4,6 +4,7 @@
 #include <thread>
 
 #include "spcbase/dataentry/sample.h"
+#include "tools/spc/problem.h"
 
 namespace spc {
 namespace {
@@ -18,7 +19,7 @@ class Writer {
 
   Outcome<long> write(PreparedSample& sample) {
     for (int attempt = 1;; ++attempt) {
-      auto outcome = link_.attempt([&] { return write_once(sample); });
+      auto outcome = guarded([&] { return write_once(sample); });
       if (outcome || !outcome.failure().may_retry() || attempt == most_attempts) return outcome;
       std::this_thread::sleep_for(pause_before_retry * attempt);
     }

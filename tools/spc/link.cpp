@@ -8,6 +8,7 @@
 
 #include "spcbase/platform/database/connect_text.h"
 #include "tools/engine/reference_engine.h"
+#include "tools/spc/problem.h"
 
 namespace spc {
 namespace {
@@ -45,6 +46,7 @@ std::string lower(std::string_view text) {
 }  // namespace
 
 std::string sqlite_connect_text(const std::string& file) {
+  if (!file.starts_with('{') && file.find(';') == std::string::npos) return std::string(sqlite_scheme) + file;
   std::string braced;
   for (const char c : file)
     braced += c == '}' ? "}}" : std::string(1, c);
@@ -64,36 +66,32 @@ std::string connect_text_of(const Place& place, bool create) {
   return text;
 }
 
-void Watcher::on_statement(const spcdb::StatementReport& report) noexcept {
+void Trace::on_statement(const spcdb::StatementReport& report) noexcept {
   try {
-    if (report.failure != nullptr) failure_ = describe_failure(*report.failure);
-    if (trace_ != nullptr) print(report);
+    print(report);
   } catch (...) {
-    // No memory for a line of the trace: the work itself goes on.
-    failure_.reset();
+    // A trace that cannot be written must not end the work.
+    out_.clear();
   }
 }
 
-std::optional<Failure> Watcher::take_failure() { return std::exchange(failure_, std::nullopt); }
-
-void Watcher::print(const spcdb::StatementReport& report) {
+void Trace::print(const spcdb::StatementReport& report) {
   const double milliseconds = std::chrono::duration<double, std::milli>(report.time).count();
-  *trace_ << "trace " << std::fixed << std::setprecision(3) << std::setw(9) << milliseconds << " ms ";
+  out_ << "trace " << std::fixed << std::setprecision(3) << std::setw(9) << milliseconds << " ms ";
   if (report.failure != nullptr)
-    *trace_ << "  failed";
+    out_ << "  failed";
   else if (report.rows < 0)
-    *trace_ << "        ";
+    out_ << "        ";
   else
-    *trace_ << std::setw(4) << report.rows << " row" << (report.rows == 1 ? " " : "s");
-  *trace_ << "  " << report.statement;
-  if (!report.parameters.empty()) *trace_ << "   [" << report.parameters << "]";
-  *trace_ << '\n';
+    out_ << std::setw(4) << report.rows << " row" << (report.rows == 1 ? " " : "s");
+  out_ << "  " << report.statement;
+  if (!report.parameters.empty()) out_ << "   [" << report.parameters << "]";
+  out_ << '\n';
 }
 
-Link::Link(std::string connect_text, std::ostream* trace)
-    : watcher_(trace), shown_(spcdb::mask_password_in_connect_text(connect_text)) {
-  spc::doing("cannot open the database " + shown_, [&] { db_.OpenEx(connect_text.c_str()); });
-  db_.set_observer(&watcher_);
+Link::Link(std::string connect_text, std::ostream* trace) : shown_(spcdb::mask_password_in_connect_text(connect_text)) {
+  doing("cannot open the database " + shown_, [&] { db_.OpenEx(connect_text.c_str()); });
+  if (trace != nullptr) db_.set_observer(&trace_.emplace(*trace));
   engine_ = reference_engine::make(db_);
 }
 
@@ -102,11 +100,6 @@ Link::~Link() {
   db_.set_observer(nullptr);
   // A server that is gone cannot be told goodbye; whatever failed has been told by now.
   static_cast<void>(guarded([&] { db_.Close(); }));
-}
-
-Failure Link::with_cause(const Failure& failure) {
-  const auto cause = watcher_.take_failure();
-  return cause && failure.kind == FailureKind::automation ? *cause : failure;
 }
 
 std::optional<schema::Server> Link::server() {

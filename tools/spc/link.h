@@ -10,8 +10,6 @@
 #include "schema/ddl.h"
 #include "spcbase/companion/engine.h"
 #include "spcbase/foundation/connection.h"
-#include "spcbase/foundation/outcome.h"
-#include "tools/spc/problem.h"
 
 namespace spc {
 
@@ -29,21 +27,16 @@ std::string connect_text_of(const Place& place, bool create);
 /// "sqlite:" and a file of any name.
 std::string sqlite_connect_text(const std::string& file);
 
-/// Watches every statement: prints it when a trace is wanted, and remembers the last one that failed, since the engine
-/// tells of a failed statement in words alone.
-class Watcher : public spcdb::StatementObserver {
+/// Prints every statement, its rows and its time.
+class Trace : public spcdb::StatementObserver {
  public:
-  explicit Watcher(std::ostream* trace) : trace_(trace) {}
+  explicit Trace(std::ostream& out) : out_(out) {}
   void on_statement(const spcdb::StatementReport& report) noexcept override;
-
-  /// The failure of the last statement that failed, and forgets it.
-  std::optional<Failure> take_failure();
 
  private:
   void print(const spcdb::StatementReport& report);
 
-  std::ostream* trace_;
-  std::optional<Failure> failure_;
+  std::ostream& out_;
 };
 
 /// An open connection with its engine.
@@ -61,29 +54,11 @@ class Link {
   /// The connect text with its passwords masked.
   const std::string& shown_connect_text() const { return shown_; }
 
-  /// Runs `work` and gives its outcome; a failure that came through the engine is told as the statement's own.
-  template <class Work>
-  auto attempt(Work&& work) {
-    static_cast<void>(watcher_.take_failure());
-    auto outcome = guarded(std::forward<Work>(work));
-    if (outcome) return outcome;
-    return decltype(outcome)(with_cause(outcome.failure()));
-  }
-  /// As `doing`, by `attempt`.
-  template <class Work>
-  auto doing(std::string_view what, Work&& work) -> std::remove_cvref_t<std::invoke_result_t<Work>> {
-    auto outcome = attempt(std::forward<Work>(work));
-    if (!outcome) throw problem_of(what, outcome.failure());
-    if constexpr (!std::is_void_v<std::invoke_result_t<Work>>) return std::move(outcome).value();
-  }
-
   /// The kind of server, by which DDL is chosen; nothing for one without DDL.
   std::optional<schema::Server> server();
 
  private:
-  Failure with_cause(const Failure& failure);
-
-  Watcher watcher_;
+  std::optional<Trace> trace_;
   std::string shown_;
   CDatabaseEx db_;
   SPCLib::IQsmSPCPtr engine_;

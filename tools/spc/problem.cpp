@@ -8,7 +8,7 @@ Problem problem_of(std::string_view what, const Failure& failure) {
   Problem problem;
   problem.what = what;
   problem.why = trimmed(on_one_line(failure.text.view()));
-  if (failure.kind == FailureKind::database) {
+  if (failure.kind == FailureKind::database || !failure.sqlstate.IsEmpty()) {
     std::string facts = describe(failure.failure_class);
     if (!failure.sqlstate.IsEmpty()) facts += ", SQLSTATE " + std::string(failure.sqlstate.view());
     if (failure.native != 0) facts += ", native " + std::to_string(failure.native);

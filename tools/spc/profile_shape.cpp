@@ -6,6 +6,7 @@
 
 #include "spcbase/foundation/failure.h"
 #include "spcbase/foundation/schema.h"
+#include "tools/spc/problem.h"
 
 namespace spc {
 namespace {
@@ -79,7 +80,7 @@ std::string list_of(const std::vector<Named>& all) {
 Named find(Link& link, const Kind& kind, const std::string& wanted) {
   const std::string word = kind.word;
   const std::string what = "cannot find the " + word + " \"" + wanted + "\"";
-  return link.doing(what, [&] {
+  return doing(what, [&] {
     auto found = rows_of(link, kind, name_is(wanted));
     if (const auto id = whole_number(wanted); found.empty() && id) {
       CString filter;
@@ -105,7 +106,7 @@ Named find_station(Link& link, const std::string& name_or_id) { return find(link
 Named find_user(Link& link, const std::string& name_or_id) { return find(link, users, name_or_id); }
 
 std::string profile_name(Link& link, int id) {
-  return link.doing("cannot read the profiles", [&] {
+  return doing("cannot read the profiles", [&] {
     CString filter;
     filter.Format("[PROFID]=%d", id);
     const auto found = rows_of(link, profiles, filter);
@@ -126,7 +127,7 @@ ProfileShape shape_of(const oldde::CProfileCache& cache, const Named& profile) {
 
 ProfileShape read_shape(Link& link, const Named& profile) {
   const std::string what = "cannot use the profile \"" + profile.name + "\"";
-  return link.doing(what, [&] {
+  return doing(what, [&] {
     oldde::CProfileCache cache;
     const long result = cache.load_from_db(link.engine(), link.db(), 0, 0, profile.id);
     if (result == result_code::bad_value)

@@ -7,6 +7,7 @@
 #include "spcbase/foundation/failure.h"
 #include "spcbase/foundation/schema.h"
 #include "spcbase/platform/datetime/timestamp.h"
+#include "tools/spc/problem.h"
 
 namespace spc {
 namespace {
@@ -89,7 +90,7 @@ void write_cell(JsonWriter& json, const VARIANT& cell) {
 
 SampleView read_sample(Link& link, long sample) {
   const std::string what = "cannot show sample " + std::to_string(sample);
-  return link.doing(what, [&] {
+  return doing(what, [&] {
     const int profile = profile_of(link, sample);
     if (profile == 0) throw Problem{what, "there is no such sample", "See spc sample list."};
     oldde::DEHelper helper;
@@ -134,7 +135,7 @@ void write_sample(JsonWriter& json, const SampleView& view) {
 }
 
 std::vector<SampleLine> list_samples(Link& link, int profile, std::size_t limit) {
-  auto lines = link.doing("cannot list samples", [&] {
+  auto lines = doing("cannot list samples", [&] {
     std::vector<SampleLine> found;
     CRSSample rows(&link.db());
     if (profile != 0) rows.m_strFilter.Format("PROFID=%d", profile);

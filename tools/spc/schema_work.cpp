@@ -5,6 +5,7 @@
 #include <sstream>
 
 #include "schema/description.h"
+#include "tools/spc/problem.h"
 
 namespace spc {
 namespace {
@@ -115,7 +116,7 @@ std::size_t create_schema(Link& link) {
 void drop_schema(Link& link) {
   const std::string what = "cannot drop the schema";
   const schema::Server server = known_server(link, what);
-  link.doing(what, [&] {
+  doing(what, [&] {
     AutoODBCTransaction transaction(link.db(), true);
     for (const auto& statement : schema::drop_statements(server))
       link.db().ExecuteSQL(statement.c_str());

@@ -2,6 +2,7 @@
 #include <optional>
 
 #include "tools/spc/json.h"
+#include "tools/spc/problem.h"
 #include "tools/spc/schema_work.h"
 #include "tools/spc/table.h"
 #include "tools/spc/tasks.h"
@@ -51,7 +52,7 @@ CheckResult check(Link& link) {
   if (result.driver_says_dead)
     throw Problem{"cannot check " + result.database, "the driver says that the link is dead",
                   "See that the server runs and can be reached."};
-  result.dialect = link.doing("cannot find the dialect", [&] { return dbcheck::find_db_type(link.db()); });
+  result.dialect = doing("cannot find the dialect", [&] { return dbcheck::find_db_type(link.db()); });
   result.schema = inspect_schema(link);
   return result;
 }

@@ -1,6 +1,7 @@
 #include "tools/spc/import_check.h"
 #include "tools/spc/import_write.h"
 #include "tools/spc/json.h"
+#include "tools/spc/problem.h"
 #include "tools/spc/sample_view.h"
 #include "tools/spc/schema_work.h"
 #include "tools/spc/table.h"

@@ -84,6 +84,9 @@ inline constexpr Rule rules[] = {
     {"HY000", 2006, nullptr, FailureClass::link_lost},
     {"HY000", 2013, nullptr, FailureClass::link_lost},
     {"HY000", 5014, nullptr, FailureClass::link_lost},
+    // Its driver has no memory for a statement, it says, when the link breaks while the statement is prepared.
+    {"HY001", 2006, nullptr, FailureClass::link_lost},
+    {"HY001", 2013, nullptr, FailureClass::link_lost},
     {"42000", 1049, nullptr, FailureClass::no_such_object},
     {"42000", 1044, nullptr, FailureClass::permission},
     {"42000", 1142, nullptr, FailureClass::permission},

@@ -1,0 +1,116 @@
+#include "tests/tools/program.h"
+
+#include <fcntl.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <array>
+#include <cstdlib>
+#include <fstream>
+#include <iterator>
+#include <stdexcept>
+
+#include "spcbase/foundation/connection.h"
+#include "tools/spc/problem.h"
+
+namespace command_test {
+namespace {
+
+std::string content_of(const std::string& file) {
+  std::ifstream stream(file, std::ios::binary);
+  return {std::istreambuf_iterator<char>(stream), std::istreambuf_iterator<char>()};
+}
+
+/// Reads to the end, and hands each line on as it comes.
+std::string read_lines(int from, const std::function<void(const std::string&)>& on_line) {
+  std::string all;
+  std::size_t line_begin = 0;
+  std::array<char, 4096> buffer{};
+  for (ssize_t count = 0; (count = ::read(from, buffer.data(), buffer.size())) > 0;) {
+    all.append(buffer.data(), static_cast<std::size_t>(count));
+    for (auto end = all.find('\n', line_begin); end != std::string::npos; end = all.find('\n', line_begin)) {
+      if (on_line) on_line(all.substr(line_begin, end - line_begin));
+      line_begin = end + 1;
+    }
+  }
+  return all;
+}
+
+std::vector<char*> pointers_to(std::vector<std::string>& texts) {
+  std::vector<char*> pointers;
+  for (auto& text : texts)
+    pointers.push_back(text.data());
+  pointers.push_back(nullptr);
+  return pointers;
+}
+
+std::vector<std::string> environment(const std::string& home) {
+  std::vector<std::string> made = {"PATH=/usr/bin:/bin"};
+  // What the sanitizers are told must reach the command too.
+  for (const char* name : {"TMPDIR", "ASAN_OPTIONS", "UBSAN_OPTIONS", "LSAN_OPTIONS"})
+    if (const char* value = std::getenv(name)) made.push_back(std::string(name) + "=" + value);
+  if (!home.empty()) made.push_back("HOME=" + home);
+  return made;
+}
+
+}  // namespace
+
+std::ostream& operator<<(std::ostream& out, const Answer& answer) {
+  return out << "status " << answer.status << "\n--- standard output\n"
+             << answer.out << "--- standard error\n"
+             << answer.err << "---";
+}
+
+Answer run(const std::vector<std::string>& arguments, const std::string& home,
+           const std::function<void(const std::string&)>& on_error_line) {
+  const test_support::ScratchFolder folder;
+  std::vector<std::string> texts = {SPC_PROGRAM};
+  texts.insert(texts.end(), arguments.begin(), arguments.end());
+  std::vector<std::string> variables = environment(home);
+  const auto argv = pointers_to(texts);
+  const auto envp = pointers_to(variables);
+  const int out = ::open(folder.file("out").c_str(), O_WRONLY | O_CREAT | O_CLOEXEC, 0600);
+  int ends[2] = {-1, -1};
+  if (out < 0 || ::pipe2(ends, O_CLOEXEC) != 0) throw std::runtime_error("no way to read what the command says");
+  const pid_t process = ::fork();
+  if (process == 0) {
+    ::dup2(out, STDOUT_FILENO);
+    ::dup2(ends[1], STDERR_FILENO);
+    ::execve(SPC_PROGRAM, argv.data(), envp.data());
+    ::_exit(127);
+  }
+  ::close(out);
+  ::close(ends[1]);
+  Answer answer;
+  answer.err = read_lines(ends[0], on_error_line);
+  ::close(ends[0]);
+  int status = 0;
+  if (process < 0 || ::waitpid(process, &status, 0) != process) throw std::runtime_error("the command did not start");
+  if (WIFEXITED(status)) answer.status = WEXITSTATUS(status);
+  answer.out = content_of(folder.file("out"));
+  return answer;
+}
+
+EmptyDatabase::EmptyDatabase(test_support::ServerKind kind) {
+  if (kind == test_support::ServerKind::sqlite) {
+    connect_text_ = "sqlite:" + folder_.file("plant.db");
+  } else {
+    on_server_ = std::make_unique<test_support::TestDatabase>(test_support::PrivateMariaDb::shared().create_database());
+    connect_text_ = on_server_->odbc_connect_text();
+  }
+}
+
+void EmptyDatabase::execute(const std::string& statement) {
+  command_test::execute(on_server_ ? connect_text_ : connect_text_ + ";Create=1", statement);
+}
+
+void execute(const std::string& connect_text, const std::string& statement) {
+  const auto outcome = guarded([&] {
+    CDatabaseEx db;
+    db.OpenEx(connect_text.c_str());
+    db.ExecuteSQL(statement.c_str());
+  });
+  if (!outcome) throw std::runtime_error(std::string(outcome.failure().text.view()));
+}
+
+}  // namespace command_test

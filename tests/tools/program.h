@@ -1,0 +1,51 @@
+/// Runs the real command, and databases for it to work on.
+#pragma once
+
+#include <functional>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "tests/support/database_fixture.h"
+#include "tests/support/private_server.h"
+#include "tests/support/scratch_folder.h"
+
+namespace command_test {
+
+/// How a run of the command ended.
+struct Answer {
+  int status = -1;  ///< -1 when it was ended by a signal
+  std::string out;
+  std::string err;
+
+  bool says(const std::string& text) const { return out.find(text) != std::string::npos; }
+  bool complains(const std::string& text) const { return err.find(text) != std::string::npos; }
+};
+
+/// Everything, for the message of a failed expectation.
+std::ostream& operator<<(std::ostream& out, const Answer& answer);
+
+/// Runs `spc` in a process of its own. Its environment holds nothing but PATH, and `home` as HOME when it is not empty.
+/// `on_error_line` sees each line of standard error as it comes, while the command goes on.
+/// Fails: std::runtime_error when it cannot be started.
+Answer run(const std::vector<std::string>& arguments, const std::string& home = {},
+           const std::function<void(const std::string&)>& on_error_line = {});
+
+/// A database without anything in it.
+class EmptyDatabase {
+ public:
+  explicit EmptyDatabase(test_support::ServerKind kind);
+  const std::string& connect_text() const { return connect_text_; }
+  /// Runs a statement beside the command. An SQLite file is made by it.
+  void execute(const std::string& statement);
+
+ private:
+  test_support::ScratchFolder folder_;
+  std::unique_ptr<test_support::TestDatabase> on_server_;
+  std::string connect_text_;
+};
+
+/// Runs a statement on a connection of its own.
+void execute(const std::string& connect_text, const std::string& statement);
+
+}  // namespace command_test
