@@ -80,6 +80,9 @@ stop_hard() {
   server=
 }
 
+# In memory when there is plenty: a schema is made there in a tenth of the time.
+spare_kb=$(df --output=avail /dev/shm 2>/dev/null | tail -n 1)
+if [ "${spare_kb:-0}" -gt 4000000 ]; then export TMPDIR=/dev/shm; fi
 folder=$(mktemp -d) || fail "no temporary folder"
 own_folder || fail "the temporary folder could not be given to the server"
 install_data
