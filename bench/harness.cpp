@@ -126,8 +126,8 @@ Line measure_growth(const Job& job, Plant& plant) {
   line.ours = text_of("%.2f MiB", growth.ours_mib);
   line.plain = text_of("%.2f MiB", growth.plain_mib);
   line.ratio = "-";
-  line.limit = text_of("%.2f MiB", limit);
-  line.over = growth.ours_mib > limit;
+  line.limit = text_of("plain+%.0f MiB", limit);
+  line.over = growth.ours_mib > growth.plain_mib + limit;
   return line;
 }
 
@@ -141,7 +141,7 @@ Line measure(const Job& job, Plant& plant, double seconds) {
 }
 
 void print_table(const std::vector<Line>& lines) {
-  const char* format = "%-30s | %-7s | %10s | %10s | %5s | %8s | %s\n";
+  const char* format = "%-30s | %-7s | %10s | %10s | %5s | %11s | %s\n";
   std::printf(format, "job", "server", "ours", "plain", "ratio", "limit", "verdict");
   for (const auto& line : lines)
     std::printf(format, line.job.c_str(), line.server.c_str(), line.ours.c_str(), line.plain.c_str(),

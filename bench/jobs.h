@@ -38,7 +38,7 @@ struct Growth {
 /// One line of the table for each server. Either `pair` is set, and times are measured, or `growth`.
 struct Job {
   std::string name;
-  double sqlite_limit = 0;  ///< times plain, or MiB
+  double sqlite_limit = 0;  ///< times plain, or MiB more than plain
   double mariadb_limit = 0;
   Pair (*pair)(Plant&) = nullptr;
   Growth (*growth)(Plant&) = nullptr;

@@ -1,9 +1,14 @@
-// A forward-only scan of 1,000,000 rows: the memory that it takes must not depend on the number of rows.
+// A forward-only scan of 1,000,000 rows: the memory that the library takes for it must not depend on their number.
+//
+// MariaDB's ODBC driver (3.1.15) takes every result whole when the statement is executed, whatever cursor or option it
+// is told (FORWARDONLY and NO_CACHE included), about 47 bytes for each of these rows. So what counts is how much more
+// than the plain program the library takes.
 #include "bench/scan_memory.h"
 
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <array>
 #include <cstdio>
 #include <fstream>
@@ -61,7 +66,7 @@ long growth_of_ours(const Place& place) {
   require(scan_ours(*db, some_samples), some_rows);
   const long before = peak_kib();
   require(scan_ours(*db, ""), all_rows);
-  return peak_kib() - before;
+  return std::max(0L, peak_kib() - before);
 }
 
 template <class Database>
@@ -71,7 +76,7 @@ long growth_of_plain(const Place& place) {
   require(scan_plain(db, sql + " WHERE " + some_samples), some_rows);
   const long before = peak_kib();
   require(scan_plain(db, sql), all_rows);
-  return peak_kib() - before;
+  return std::max(0L, peak_kib() - before);
 }
 
 /// Runs this program again for one side, so that nothing that earlier jobs took and gave back hides the growth.

@@ -4,18 +4,34 @@
 /// behind it; a token that does not end gives the end of the text.
 #pragma once
 
+#include <array>
 #include <cstddef>
 #include <string_view>
 
 namespace spcdb::scan {
 
-constexpr bool is_digit(char c) noexcept { return c >= '0' && c <= '9'; }
-constexpr bool is_word_start(char c) noexcept {
-  return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || c == '_' || c == '@' || c == '#' || c == '$' ||
-         static_cast<unsigned char>(c) >= 0x80;
+/// What a byte may be, as bits; every byte beyond ASCII belongs to a word.
+enum CharClass : unsigned char { begins_word = 1, digit = 2, space = 4 };
+
+inline constexpr auto char_classes = [] {
+  std::array<unsigned char, 256> classes{};
+  for (unsigned c = 0; c < classes.size(); ++c) {
+    const bool letter = (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z');
+    if (letter || c >= 0x80 || c == '_' || c == '@' || c == '#' || c == '$') classes[c] = begins_word;
+    if (c >= '0' && c <= '9') classes[c] = digit;
+  }
+  for (const unsigned char c : {' ', '\t', '\n', '\r', '\f'})
+    classes[c] = space;
+  return classes;
+}();
+
+constexpr bool is(char c, unsigned classes) noexcept {
+  return (char_classes[static_cast<unsigned char>(c)] & classes) != 0;
 }
-constexpr bool is_word(char c) noexcept { return is_word_start(c) || is_digit(c); }
-constexpr bool is_space(char c) noexcept { return c == ' ' || c == '\t' || c == '\n' || c == '\r' || c == '\f'; }
+constexpr bool is_digit(char c) noexcept { return is(c, digit); }
+constexpr bool is_word_start(char c) noexcept { return is(c, begins_word); }
+constexpr bool is_word(char c) noexcept { return is(c, begins_word | digit); }
+constexpr bool is_space(char c) noexcept { return is(c, space); }
 
 /// Behind a text literal: a doubled apostrophe belongs to it.
 constexpr std::size_t literal_end(std::string_view sql, std::size_t at) noexcept {
