@@ -10,4 +10,3 @@
 #include "spcbase/foundation/recordset.h"
 #include "spcbase/foundation/schema.h"
 #include "spcbase/time/calendar.h"
-#include "spcbase/time/system_time_converter.h"

@@ -1,4 +1,4 @@
-#include "spcbase/companion/engine_calls.h"
+#include "spcbase/companion/internal/engine_calls.h"
 
 #include "spcbase/platform/automation/bstr_t.h"
 #include "spcbase/platform/automation/com_error.h"

@@ -7,7 +7,7 @@
 #include "spcbase/foundation/internal/raise.h"
 #include "spcbase/foundation/recordset.h"
 #include "spcbase/foundation/schema/data_entry.h"
-#include "spcbase/time/system_time_converter.h"
+#include "spcbase/time/internal/system_time_converter.h"
 
 namespace oldde {
 namespace {

@@ -1,5 +1,5 @@
 // The writer of labels, and the learning of new values.
-#include "spcbase/companion/engine_calls.h"
+#include "spcbase/companion/internal/engine_calls.h"
 #include "spcbase/dataentry/internal/cell_conversion.h"
 #include "spcbase/dataentry/internal/cell_writers.h"
 #include "spcbase/dataentry/internal/grid_shape.h"

@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-#include "spcbase/companion/engine_calls.h"
+#include "spcbase/companion/internal/engine_calls.h"
 #include "spcbase/dataentry/internal/grid_shape.h"
 #include "spcbase/foundation/failure.h"
 #include "spcbase/foundation/internal/opening.h"

@@ -1,7 +1,7 @@
 // The look-ups around a profile, and the reading of its elements.
 #include <algorithm>
 
-#include "spcbase/companion/engine_calls.h"
+#include "spcbase/companion/internal/engine_calls.h"
 #include "spcbase/dataentry/internal/grid_shape.h"
 #include "spcbase/dataentry/profile.h"
 #include "spcbase/foundation/internal/opening.h"

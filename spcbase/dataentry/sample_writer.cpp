@@ -1,7 +1,7 @@
 // Creating samples and writing grids.
 #include <cmath>
 
-#include "spcbase/companion/engine_calls.h"
+#include "spcbase/companion/internal/engine_calls.h"
 #include "spcbase/dataentry/internal/cell_writers.h"
 #include "spcbase/dataentry/internal/grid_shape.h"
 #include "spcbase/dataentry/sample.h"
@@ -10,7 +10,7 @@
 #include "spcbase/foundation/schema/data_entry.h"
 #include "spcbase/platform/automation/holders.h"
 #include "spcbase/time/calendar.h"
-#include "spcbase/time/system_time_converter.h"
+#include "spcbase/time/internal/system_time_converter.h"
 
 namespace oldde {
 namespace {

@@ -1,4 +1,4 @@
-#include "spcbase/time/system_time_converter.h"
+#include "spcbase/time/internal/system_time_converter.h"
 
 #include <cstdint>
 #include <ctime>

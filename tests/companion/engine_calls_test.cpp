@@ -5,7 +5,7 @@
 //   failing call         _com_error with the method's own code
 //   error object         the engine's own goes into the _com_error; another's stays the thread's
 //   arguments            names and texts arrive as UTF-16, the two zeros of an auto label in their places
-#include "spcbase/companion/engine_calls.h"
+#include "spcbase/companion/internal/engine_calls.h"
 
 #include <gtest/gtest.h>
 

@@ -8,7 +8,7 @@
 //   failures             codes, error objects with the database's words, null arguments, a closed connection
 //   the object           its interfaces and references
 #include "schema/description.h"
-#include "spcbase/companion/engine_calls.h"
+#include "spcbase/companion/internal/engine_calls.h"
 #include "spcbase/platform/automation/bstr_t.h"
 #include "tests/dataentry/data_entry_fixture.h"
 

@@ -7,7 +7,7 @@
 //   automation dates     statuses, a value that cannot be split, recorded statuses of the way back
 //   calendar seconds     local fields, refused ranges and times, the daylight rule
 //   operators            assignment and order do what the named operations do
-#include "spcbase/time/system_time_converter.h"
+#include "spcbase/time/internal/system_time_converter.h"
 
 #include <gtest/gtest.h>
 
