@@ -28,12 +28,12 @@ Arguments parse_arguments(int count, char** words) {
       arguments.server = value;
     else if (option == "--seconds")
       arguments.seconds = std::stod(value);
-    else if (option == "--run")
+    else if (option == "--run" && (value == "ours" || value == "plain"))
       arguments.run_side = value;
     else if (option == "--times")
       arguments.times = std::stol(value);
     else
-      throw std::invalid_argument("unknown option " + option);
+      throw std::invalid_argument("unknown option " + option + " " + value);
   }
   return arguments;
 }

@@ -1,6 +1,7 @@
 #include <cstdio>
-#include <exception>
+#include <stdexcept>
 #include <string>
+#include <vector>
 
 #include "bench/arguments.h"
 #include "bench/harness.h"
@@ -12,19 +13,16 @@
 namespace bench {
 namespace {
 
-bool wanted(const std::string& part, const std::string& name) { return name.find(part) != std::string::npos; }
-
 void run_side(const Job& job, Plant& plant, const Arguments& arguments) {
   if (job.pair == nullptr) return;
   const Pair pair = job.pair(plant);
   (arguments.run_side == "ours" ? pair.ours : pair.plain)->run(arguments.times);
 }
 
-void run_server(Server server, const Arguments& arguments, std::vector<Line>& lines) {
+void run_server(Server server, const Arguments& arguments, const std::vector<Job>& jobs, std::vector<Line>& lines) {
   if (server == Server::mariadb) bring_server_here(test_support::PrivateMariaDb::shared().socket());
   Plant plant(server);
-  for (const Job& job : all_jobs()) {
-    if (!wanted(arguments.job, job.name)) continue;
+  for (const Job& job : jobs) {
     std::fprintf(stderr, "%s, %s\n", job.name.c_str(), name_of(server));
     if (!arguments.run_side.empty())
       run_side(job, plant, arguments);
@@ -33,11 +31,22 @@ void run_server(Server server, const Arguments& arguments, std::vector<Line>& li
   }
 }
 
+/// What is asked for, out of all there is. Fails: std::invalid_argument when that is nothing.
+template <class Item, class NameOf>
+std::vector<Item> chosen(std::vector<Item> all, const std::string& part, NameOf name) {
+  std::erase_if(all, [&](const Item& item) { return name(item).find(part) == std::string::npos; });
+  if (all.empty()) throw std::invalid_argument("there is nothing that is called \"" + part + "\"");
+  return all;
+}
+
 int run(const Arguments& arguments) {
+  const auto jobs = chosen(all_jobs(), arguments.job, [](const Job& job) { return job.name; });
+  const auto servers = chosen(std::vector{Server::sqlite, Server::mariadb}, arguments.server,
+                              [](Server server) { return std::string(name_of(server)); });
   bind_to_one_cpu();
   std::vector<Line> lines;
-  for (const Server server : {Server::sqlite, Server::mariadb})
-    if (wanted(arguments.server, name_of(server))) run_server(server, arguments, lines);
+  for (const Server server : servers)
+    run_server(server, arguments, jobs, lines);
   if (!arguments.run_side.empty()) return 0;
   print_table(lines);
   for (const Line& line : lines)
