@@ -52,7 +52,16 @@ struct CODBCFieldInfo {
 class SPCBASE_API CRecordset {
  public:
   enum OpenType : UINT { dynaset = 0, snapshot = 1, forwardOnly = 2, dynamic = 3 };
-  enum OpenOptions : DWORD { none = 0, appendOnly = 0x0001, readOnly = 0x0004, executeDirect = 0x2000 };
+  enum OpenOptions : DWORD {
+    none = 0,
+    appendOnly = 0x0001,
+    readOnly = 0x0004,
+    executeDirect = 0x2000,
+    /// Ours: a forwardOnly recordset on one table keeps to constant memory even where the driver would hold the whole
+    /// result (MariaDB's, for one). It is read there in pages of 10,000 rows in the order of the class's key, so a row
+    /// that is written meanwhile may be seen or not. Needs a class that names its key (not null) and no sort.
+    inPages = 0x10000,
+  };
   /// How `Move` reads its argument: as rows from the present one, or as one of the documented fetch types.
   enum FetchType : WORD { fetchNext = 1, fetchFirst = 2, fetchLast = 3, fetchPrior = 4, fetchRelative = 6 };
 

@@ -76,6 +76,17 @@ class RecordsetCore {
   struct Name : Piece {
     bool is_real = false;
   };
+  struct PageKey {
+    Parameter value;
+    std::string text;  ///< of a text
+  };
+  /// Where a forward read in pages stands.
+  struct Page {
+    bool planned = false;
+    long rows = 0;             ///< fetched of this page; of the whole result when it is read at once
+    std::vector<PageKey> key;  ///< of the last row of the page before
+    std::vector<std::string> names;
+  };
 
   Connection& connection() const { return *recordset_.m_pDatabase->connection(); }
   bool forward() const { return type_ == CRecordset::forwardOnly; }
@@ -85,6 +96,7 @@ class RecordsetCore {
   void build_statement(const char* sql);
   void write_select(std::string_view source);
   void append_conditions();
+  void append_clauses(std::string_view filter, std::string_view sort);
   void run();
   StatementText shape_statement();
   void append_select(std::string& shape, std::size_t end) const;
@@ -99,6 +111,15 @@ class RecordsetCore {
   void move_forward(long rows, WORD fetch_type);
   GivenStatement given() const;
   void release() noexcept;
+
+  // recordset_pages.cpp
+  void plan_pages();
+  std::string page_condition() const;
+  std::string page_order();
+  void add_page_parameters();
+  void remember_page_end();
+  bool fetch_forward();
+  void next_page();
 
   // recordset_edit.cpp
   Field* find(const void* address);
@@ -129,8 +150,10 @@ class RecordsetCore {
   std::string source_;            ///< the table, as given
   bool single_table_ = false;     ///< rows can be written
   bool whole_statement_ = false;  ///< the source was a SELECT
-  Piece filter_;                  ///< where the filter stands in the statement
-  std::vector<Name> names_;       ///< the select list, where it was written column by column
+  std::size_t select_size_ = 0;   ///< the statement without its conditions
+  Page page_;
+  Piece filter_;             ///< where the filter stands in the statement
+  std::vector<Name> names_;  ///< the select list, where it was written column by column
   std::vector<Field> fields_;
   std::vector<Parameter> host_parameters_;
   std::vector<std::string_view> host_names_;

@@ -60,6 +60,8 @@ void RecordsetCore::build_statement(const char* sql) {
   } else {
     write_select(source_);
   }
+  plan_pages();
+  select_size_ = statement_.view().size();
   append_conditions();
 }
 
@@ -80,15 +82,24 @@ void RecordsetCore::write_select(std::string_view source) {
 
 void RecordsetCore::append_conditions() {
   filter_ = {};
-  if (!recordset_.m_strFilter.IsEmpty()) {
+  if (page_.planned) {
+    const auto order = page_order();
+    append_clauses(page_condition(), order);
+  } else {
+    append_clauses(recordset_.m_strFilter.view(), recordset_.m_strSort.view());
+  }
+}
+
+void RecordsetCore::append_clauses(std::string_view filter, std::string_view sort) {
+  if (!filter.empty()) {
     statement_ += std::string_view(" WHERE ");
     filter_.offset = statement_.view().size();
-    filter_.size = recordset_.m_strFilter.view().size();
-    statement_ += recordset_.m_strFilter.view();
+    filter_.size = filter.size();
+    statement_ += filter;
   }
-  if (!recordset_.m_strSort.IsEmpty()) {
+  if (!sort.empty()) {
     statement_ += std::string_view(" ORDER BY ");
-    statement_ += recordset_.m_strSort.view();
+    statement_ += sort;
   }
 }
 
@@ -185,6 +196,7 @@ void RecordsetCore::gather_parameters() {
   host_parameters_.clear();
   host_names_.clear();
   if (recordset_.m_nParams > 0) exchange(CFieldExchange::BindParam);
+  add_page_parameters();
   scratch.parameters.clear();
   const auto lifted_from = whole_statement_ ? statement_.view() : piece(filter_);
   std::size_t host = 0;
@@ -209,7 +221,7 @@ void RecordsetCore::read_rows(StatementWatch& watch) {
   position_ = 0;
   auto& statement = *kept_->statement;
   if (forward()) {
-    const bool has_row = statement.fetch();
+    const bool has_row = fetch_forward();
     watch.stop();
     set_position(has_row);
     if (has_row) fix_up();
@@ -257,7 +269,7 @@ void RecordsetCore::release() noexcept {
 
 void RecordsetCore::close() noexcept {
   if (recordset_.open_ && kept_ != nullptr && recordset_.m_pDatabase->observer() != nullptr)
-    StatementWatch(*recordset_.m_pDatabase).done(given(), record_count_);
+    StatementWatch(*recordset_.m_pDatabase).done(given(), page_.rows);
   release();
   if (recordset_.open_) connection().leave(recordset_);
   recordset_.open_ = false;
@@ -318,7 +330,7 @@ void RecordsetCore::move_forward(long rows, WORD fetch_type) {
   if (recordset_.m_bEOF)
     raise(AFX_SQL_ERROR_NO_CURRENT_RECORD, "24000", "The recordset stands behind its last row already.");
   try {
-    if (kept_->statement->fetch()) [[likely]] {
+    if (fetch_forward()) [[likely]] {
       ++record_count_;
       fix_up();
     } else {
