@@ -16,6 +16,7 @@ namespace {
 namespace fs = std::filesystem;
 
 constexpr std::string_view sqlite_scheme = "sqlite:";
+constexpr std::string_view create_option = ";Create=1";
 
 std::string environment(const char* name) {
   const char* value = std::getenv(name);
@@ -62,7 +63,7 @@ std::string connect_text_of(const Place& place, bool create) {
     text = sqlite_connect_text((folder / "spc.db").string());
   }
   const bool says_so = lower(text).find(";create=") != std::string::npos;
-  if (create && begins_with_scheme(text) && !says_so) text += ";Create=1";
+  if (create && begins_with_scheme(text) && !says_so) text += create_option;
   return text;
 }
 
@@ -90,6 +91,7 @@ void Trace::print(const spcdb::StatementReport& report) {
 }
 
 Link::Link(std::string connect_text, std::ostream* trace) : shown_(spcdb::mask_password_in_connect_text(connect_text)) {
+  if (shown_.ends_with(create_option)) shown_.erase(shown_.size() - create_option.size());
   doing("cannot open the database " + shown_, [&] { db_.OpenEx(connect_text.c_str()); });
   if (trace != nullptr) db_.set_observer(&trace_.emplace(*trace));
   engine_ = reference_engine::make(db_);
