@@ -16,7 +16,7 @@
 #include "spcbase/platform/datetime/timestamp.h"
 
 /// The eight fields of a system time behind virtual operations, whose order is fixed.
-class CSystemTime : public _SYSTEMTIME {
+class CSystemTime final : public _SYSTEMTIME {
  public:
   /// All fields are zero.
   CSystemTime() noexcept : _SYSTEMTIME{} {}
