@@ -15,6 +15,7 @@
 
 #include "spcbase/platform/database/connection.h"
 #include "tests/platform/database/database_under_test.h"
+#include "tests/support/scripted_session.h"
 
 namespace {
 
@@ -124,6 +125,68 @@ TEST_P(CDatabaseTest, an_error_inside_a_transaction_leaves_the_rest_of_it) {
   caught([&] { db.ExecuteSQL("INSERT INTO THINGS (ID) VALUES (1)"); });
   EXPECT_TRUE(db.CommitTrans());
   EXPECT_EQ(Things(&db).count("ID=1"), 1);
+}
+
+TEST(CDatabase, a_commit_after_the_server_gave_the_transaction_up_fails_until_it_is_rolled_back) {
+  auto script = std::make_shared<test_support::Script>();
+  script->on("UPDATE T SET A=1").once().refuse(test_support::error("40001", 1213, "Deadlock found"));
+  script->on("UPDATE T SET A=1").affect(1);
+  CDatabase db;
+  db.adopt_session(std::make_unique<test_support::ScriptedSession>(script));
+  db.BeginTrans();
+  caught([&] { db.ExecuteSQL("UPDATE T SET A=1"); });
+  db.ExecuteSQL("UPDATE T SET A=1");
+  EXPECT_EQ(caught([&] { db.CommitTrans(); }).code, AFX_SQL_ERROR_TRANSACTION_LOST);
+  EXPECT_TRUE(script->calls_of("commit").empty()) << "the driver would have said that it committed";
+  EXPECT_FALSE(db.BeginTrans());
+  EXPECT_TRUE(db.Rollback());
+  EXPECT_TRUE(db.BeginTrans());
+  EXPECT_TRUE(db.CommitTrans());
+  EXPECT_EQ(script->calls_of("commit").size(), 1U);
+}
+
+TEST(CDatabase, a_commit_that_fails_leaves_the_transaction_open_for_another_try) {
+  auto script = std::make_shared<test_support::Script>();
+  script->refuse_call("commit", test_support::error("HYT00", 5, "database is locked"));
+  CDatabase db;
+  db.adopt_session(std::make_unique<test_support::ScriptedSession>(script));
+  db.BeginTrans();
+  EXPECT_EQ(caught([&] { db.CommitTrans(); }).statement, "COMMIT");
+  EXPECT_TRUE(db.CommitTrans());
+  EXPECT_FALSE(db.Rollback());
+}
+
+TEST(CDatabase, a_session_without_transactions_has_none) {
+  auto script = std::make_shared<test_support::Script>();
+  script->transactions(false);
+  CDatabase db;
+  db.adopt_session(std::make_unique<test_support::ScriptedSession>(script));
+  EXPECT_FALSE(db.CanTransact());
+  EXPECT_FALSE(db.BeginTrans());
+  EXPECT_FALSE(db.CommitTrans());
+  EXPECT_FALSE(db.Rollback());
+  EXPECT_TRUE(script->calls_of("begin").empty());
+}
+
+TEST(CDatabase, a_shape_that_the_server_refuses_is_sent_as_it_was_given) {
+  auto script = std::make_shared<test_support::Script>();
+  script->on_prefix("SELECT ID FROM T WHERE NAME=?")
+      .refuse_at_prepare(test_support::error("42000", 1064, "You have an error in your SQL syntax near '?'"));
+  script->on("SELECT ID FROM T WHERE NAME='x'").answer({"ID"}, {{7}});
+  CDatabase db;
+  db.adopt_session(std::make_unique<test_support::ScriptedSession>(script));
+  struct Ids : CRecordset {
+    long id = 0;
+    explicit Ids(CDatabase* database) : CRecordset(database) { m_nFields = 1; }
+    CString GetDefaultSQL() override { return "T"; }
+    void DoFieldExchange(CFieldExchange* fx) override { RFX_Long(fx, "ID", id); }
+  } rs(&db);
+  rs.m_strFilter = "NAME='x'";
+  for (int i = 0; i < 2; ++i) {
+    ASSERT_TRUE(rs.Open());
+    EXPECT_EQ(rs.id, 7);
+    rs.Close();
+  }
 }
 
 TEST_P(CDatabaseTest, a_failed_statement_is_told_with_its_text_and_passwords_are_masked) {
