@@ -9,7 +9,7 @@ namespace spcdb {
 namespace {
 
 /// More than the shapes of all subsystems together; a server's own limits are far above.
-constexpr std::size_t kMostKept = 256;
+constexpr std::size_t most_kept = 256;
 
 /// Diagnostics by which a server says that it does not take a parameter where the literal stood.
 bool refuses_the_shape(const CDBException& failure) {
@@ -83,7 +83,7 @@ void Connection::give_back(KeptStatement& kept) noexcept {
 }
 
 void Connection::make_room() {
-  while (kept_count_ >= kMostKept) {
+  while (kept_count_ >= most_kept) {
     Shapes* oldest_map = nullptr;
     Shapes::iterator oldest_shape;
     std::size_t oldest_sibling = 0;

@@ -12,8 +12,8 @@ using spcdb::Connection;
 
 namespace {
 
-constexpr std::string_view kSqlitePrefix = "sqlite:";
-constexpr std::string_view kOdbcPrefix = "ODBC;";
+constexpr std::string_view sqlite_prefix = "sqlite:";
+constexpr std::string_view odbc_prefix = "ODBC;";
 
 bool begins_with(std::string_view text, std::string_view prefix) {
   if (text.size() < prefix.size()) return false;
@@ -25,8 +25,8 @@ bool begins_with(std::string_view text, std::string_view prefix) {
 }
 
 std::unique_ptr<spcdb::Session> open_session(std::string_view connect, bool read_only) {
-  if (begins_with(connect, kSqlitePrefix)) return spcdb::open_sqlite(connect, read_only);
-  if (begins_with(connect, kOdbcPrefix)) connect.remove_prefix(kOdbcPrefix.size());
+  if (begins_with(connect, sqlite_prefix)) return spcdb::open_sqlite(connect, read_only);
+  if (begins_with(connect, odbc_prefix)) connect.remove_prefix(odbc_prefix.size());
   return spcdb::open_odbc(connect, read_only);
 }
 
@@ -45,7 +45,7 @@ BOOL CDatabase::Open(const char* dsn, BOOL exclusive, BOOL read_only, const char
   static_cast<void>(use_cursor_library);
   std::string text = connect != nullptr ? connect : "";
   if (dsn != nullptr && *dsn != '\0') {
-    if (begins_with(text, kOdbcPrefix)) text.erase(0, kOdbcPrefix.size());
+    if (begins_with(text, odbc_prefix)) text.erase(0, odbc_prefix.size());
     text = std::string("DSN=") + dsn + ";" + text;
   }
   return OpenEx(text.c_str(), read_only ? openReadOnly : 0U);

@@ -19,10 +19,10 @@ bool types_a_literal(std::string_view word) {
 
 /// Words behind which numbers in brackets are widths.
 bool has_a_width(std::string_view word) {
-  static constexpr std::string_view kTypes[] = {
-      "CHAR",  "VARCHAR",  "NCHAR",     "NVARCHAR", "VARCHAR2",  "NVARCHAR2", "DECIMAL", "NUMERIC", "NUMBER",
-      "FLOAT", "DATETIME", "DATETIME2", "BINARY",   "VARBINARY", "TIMESTAMP", "TIME",    "INT",     "BIGINT"};
-  for (const auto type : kTypes) {
+  static constexpr std::string_view types[] = {"CHAR",    "VARCHAR",   "NCHAR",     "NVARCHAR", "VARCHAR2", "NVARCHAR2",
+                                               "DECIMAL", "NUMERIC",   "NUMBER",    "FLOAT",    "DATETIME", "DATETIME2",
+                                               "BINARY",  "VARBINARY", "TIMESTAMP", "TIME",     "INT",      "BIGINT"};
+  for (const auto type : types) {
     if (same_word(word, type)) return true;
   }
   return false;

@@ -87,7 +87,8 @@ std::vector<std::string> OdbcSession::unique_key(std::string_view table) {
       const bool about_table = rows.text(statistics_type) == std::to_string(SQL_TABLE_STAT);
       auto column = rows.text(statistics_column);
       if (about_table || column.empty()) continue;
-      if (indexes.empty() || indexes.back().first != index) indexes.push_back({std::move(index), {}});
+      if (indexes.empty() || indexes.back().first != index)
+        indexes.emplace_back(std::move(index), std::vector<std::string>{});
       indexes.back().second.push_back(std::move(column));
     }
   }

@@ -121,14 +121,15 @@ void OdbcStatement::bind_arrays() {
   set(SQL_ATTR_ROW_ARRAY_SIZE, reinterpret_cast<SQLPOINTER>(rows_per_block_));
   set(SQL_ATTR_ROWS_FETCHED_PTR, &rows_in_block_);
   set(SQL_ATTR_ROW_STATUS_PTR, row_status_.data());
-  for (SQLUSMALLINT i = 0; i < columns_.size(); ++i) {
-    auto& column = columns_[i];
+  SQLUSMALLINT number = 0;
+  for (auto& column : columns_) {
+    ++number;
     // One byte to spare: a driver may fill a text's place to the last one and end it behind that.
     column.bytes = std::make_unique<std::byte[]>(column.stride * rows_per_block_ + 1);
     column.indicators = std::make_unique<SQLLEN[]>(rows_per_block_);
     checked("SQLBindCol", [&] {
-      return SQLBindCol(handle_, static_cast<SQLUSMALLINT>(i + 1), c_type(column.held), column.bytes.get(),
-                        static_cast<SQLLEN>(column.stride), column.indicators.get());
+      return SQLBindCol(handle_, number, c_type(column.held), column.bytes.get(), static_cast<SQLLEN>(column.stride),
+                        column.indicators.get());
     });
   }
 }

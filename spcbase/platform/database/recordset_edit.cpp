@@ -11,9 +11,9 @@ namespace spcdb {
 namespace {
 
 /// What a member that is null and was not set holds inside an edit: values that no column can hold.
-constexpr long kUnsetLong = LONG_MIN;
-constexpr std::uint64_t kUnsetDouble = 0x7FF8535043554E53U;
-constexpr TIMESTAMP_STRUCT kUnsetMoment{SHRT_MIN, USHRT_MAX, USHRT_MAX, USHRT_MAX, USHRT_MAX, USHRT_MAX, UINT_MAX};
+constexpr long unset_long = LONG_MIN;
+constexpr std::uint64_t unset_double = 0x7FF8535043554E53U;
+constexpr TIMESTAMP_STRUCT unset_moment{SHRT_MIN, USHRT_MAX, USHRT_MAX, USHRT_MAX, USHRT_MAX, USHRT_MAX, UINT_MAX};
 
 bool same_moment(const TIMESTAMP_STRUCT& a, const TIMESTAMP_STRUCT& b) {
   return a.year == b.year && a.month == b.month && a.day == b.day && a.hour == b.hour && a.minute == b.minute &&
@@ -57,16 +57,16 @@ void clear_member(const Field& field) {
 void unset_member(const Field& field) {
   switch (field.kind) {
     case ValueKind::integer:
-      *static_cast<long*>(field.address) = kUnsetLong;
+      *static_cast<long*>(field.address) = unset_long;
       break;
     case ValueKind::real:
-      *static_cast<double*>(field.address) = std::bit_cast<double>(kUnsetDouble);
+      *static_cast<double*>(field.address) = std::bit_cast<double>(unset_double);
       break;
     case ValueKind::text:
       CStringAssignment::clear(*static_cast<CString*>(field.address));
       break;
     case ValueKind::moment:
-      *static_cast<TIMESTAMP_STRUCT*>(field.address) = kUnsetMoment;
+      *static_cast<TIMESTAMP_STRUCT*>(field.address) = unset_moment;
       break;
   }
 }
@@ -82,15 +82,15 @@ void append_condition(std::string& where, std::string_view column, bool is_null)
 bool RecordsetCore::holds_unset(const Field& field) const {
   switch (field.kind) {
     case ValueKind::integer:
-      return *static_cast<const long*>(field.address) == kUnsetLong;
+      return *static_cast<const long*>(field.address) == unset_long;
     case ValueKind::real:
-      return std::bit_cast<std::uint64_t>(*static_cast<const double*>(field.address)) == kUnsetDouble;
+      return std::bit_cast<std::uint64_t>(*static_cast<const double*>(field.address)) == unset_double;
     case ValueKind::text:
       return !CStringAssignment::test(*static_cast<const CString*>(field.address));
     case ValueKind::moment:
       break;
   }
-  return same_moment(*static_cast<const TIMESTAMP_STRUCT*>(field.address), kUnsetMoment);
+  return same_moment(*static_cast<const TIMESTAMP_STRUCT*>(field.address), unset_moment);
 }
 
 Parameter RecordsetCore::member_value(const Field& field) const {

@@ -150,16 +150,16 @@ StatementText RecordsetCore::shape_statement() {
 void RecordsetCore::append_select(std::string& shape, std::size_t end) const {
   const auto text = statement_.view();
   const std::string_view expression = connection().quirks().double_expression;
-  constexpr std::string_view kColumn = "%s";
+  constexpr std::string_view placeholder = "%s";
   std::size_t copied = 0;
   for (const auto& real : names_) {
     if (expression.empty()) break;
     if (!real.is_real) continue;
     shape.append(text, copied, real.offset - copied);
     std::size_t at = 0;
-    for (auto next = expression.find(kColumn); next != expression.npos; next = expression.find(kColumn, at)) {
+    for (auto next = expression.find(placeholder); next != expression.npos; next = expression.find(placeholder, at)) {
       shape.append(expression, at, next - at).append(piece(real));
-      at = next + kColumn.size();
+      at = next + placeholder.size();
     }
     shape.append(expression, at);
     copied = real.offset + real.size;

@@ -22,7 +22,7 @@ namespace {
 using namespace database_test;
 
 class CDatabaseTest : public DatabaseTest {};
-INSTANTIATE_TEST_SUITE_P(, CDatabaseTest, kServers, server_name);
+INSTANTIATE_TEST_SUITE_P(, CDatabaseTest, all_servers, server_name);
 
 TEST(CDatabase, a_text_that_names_nothing_is_a_clear_failure) {
   CDatabase db;

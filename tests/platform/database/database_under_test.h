@@ -25,7 +25,7 @@ inline std::string server_name(const testing::TestParamInfo<Server>& info) {
   return testing::PrintToString(info.param);
 }
 
-inline const auto kServers = testing::Values(Server::sqlite, Server::sqlite_odbc, Server::mariadb);
+inline const auto all_servers = testing::Values(Server::sqlite, Server::sqlite_odbc, Server::mariadb);
 
 /// A connected, empty database of the server that the case runs on, and a second connection to it on request.
 class DatabaseTest : public testing::TestWithParam<Server> {

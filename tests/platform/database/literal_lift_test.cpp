@@ -37,7 +37,7 @@ struct ShapeRow {
   const char* shape;
 };
 
-constexpr ShapeRow kShapes[] = {
+constexpr ShapeRow shape_rows[] = {
     {__LINE__, "SAMPID = 17", "SAMPID = ?"},
     {__LINE__, "SAMPID=17 AND CHRTID=3 AND PIECENO=1", "SAMPID=? AND CHRTID=? AND PIECENO=?"},
     {__LINE__, "NAME='O''Hara' AND LTYPE='SAMPLE'", "NAME=? AND LTYPE=?"},
@@ -69,7 +69,7 @@ constexpr ShapeRow kShapes[] = {
 };
 
 TEST(LiftLiterals, makes_one_shape_of_conditions_that_differ_in_values_alone) {
-  for (const auto& row : kShapes)
+  for (const auto& row : shape_rows)
     EXPECT_EQ(shape_of(row.given), row.shape) << "row at line " << row.line;
 }
 

@@ -25,7 +25,7 @@ class CRecordsetTest : public DatabaseTest {
   }
 };
 
-INSTANTIATE_TEST_SUITE_P(, CRecordsetTest, kServers, server_name);
+INSTANTIATE_TEST_SUITE_P(, CRecordsetTest, all_servers, server_name);
 
 TEST(CRecordset, open_returns_false_without_a_connection_that_is_open) {
   Things nowhere(nullptr);

@@ -33,7 +33,7 @@ class SessionFailure : public SessionTest {
   };
 };
 
-INSTANTIATE_TEST_SUITE_P(, SessionFailure, kServers, server_name);
+INSTANTIATE_TEST_SUITE_P(, SessionFailure, all_servers, server_name);
 
 TEST_P(SessionFailure, each_kind_comes_with_the_state_and_number_of_its_driver) {
   session->run("CREATE TABLE P (ID INTEGER NOT NULL PRIMARY KEY)");

@@ -24,7 +24,7 @@ namespace {
 using spcdb::ColumnBinding;
 using spcdb::Reading;
 
-INSTANTIATE_TEST_SUITE_P(, SessionTest, kServers, server_name);
+INSTANTIATE_TEST_SUITE_P(, SessionTest, all_servers, server_name);
 
 TEST_P(SessionTest, a_statement_is_executed_again_and_again_with_new_values) {
   create_table();

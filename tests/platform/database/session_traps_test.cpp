@@ -12,7 +12,7 @@ namespace {
 using spcdb::Reading;
 
 class DriverTraps : public SessionTest {};
-INSTANTIATE_TEST_SUITE_P(, DriverTraps, kServers, server_name);
+INSTANTIATE_TEST_SUITE_P(, DriverTraps, all_servers, server_name);
 
 class SqliteTraps : public SessionTest {};
 INSTANTIATE_TEST_SUITE_P(, SqliteTraps, testing::Values(Server::sqlite, Server::sqlite_odbc), server_name);

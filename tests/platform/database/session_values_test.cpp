@@ -58,7 +58,7 @@ class SessionValues : public SessionTest {
   }
 };
 
-INSTANTIATE_TEST_SUITE_P(, SessionValues, kServers, server_name);
+INSTANTIATE_TEST_SUITE_P(, SessionValues, all_servers, server_name);
 
 std::vector<double> many_doubles() {
   using Limits = std::numeric_limits<double>;
