@@ -1,7 +1,6 @@
 // Plan
 //   Good files: plain, quoted (commas, doubled quotes, line ends), CRLF, byte order mark, no final line end, empty
-//   lines,
-//     empty fields, several bytes to a character; lines are counted through quoted line ends
+//     lines and fields, several bytes to a character; lines are counted through quoted line ends
 //   Bad files: empty, header alone, wrong number of fields, open quote, text behind or before a quote, bytes that are
 //     not UTF-8, zero byte, no such file, a folder
 #include "tools/spc/csv.h"

@@ -1,8 +1,8 @@
-// Plan
-//   On SQLite and MariaDB: builds, saves, reads back; JSON; the rows that stand are those of the files; a second run in
-//     its own database; refuses a database in use and one of a demo with other samples
-//   Files: a temporary one leaves nothing; --keep keeps one that the other commands work on, and refuses one that
-//   exists What is compiled in is what stands in tools/spc/data
+// Plan, on SQLite and on a private MariaDB server
+//   The demo builds, saves and reads back; JSON; a trace that masks passwords; what stands is what the files say
+//   A second run begins anew; a database in use, and one with other samples, are left alone
+//   A temporary file goes; --keep keeps one that the other commands work on, and refuses one that exists
+//   What is compiled in is what stands in tools/spc/data
 #include <gtest/gtest.h>
 
 #include <filesystem>
@@ -39,6 +39,12 @@ TEST_P(Demo, saves_the_measurements_and_finds_them_as_they_were) {
   EXPECT_EQ(demo.err, "");
   EXPECT_EQ(spc({"db", "check"}).status, 0);
   EXPECT_EQ(json_check::parse(spc({"--json", "sample", "list", "--limit", "1000"}).out).items.size(), 140U);
+}
+
+TEST_P(Demo, traces_statements_and_masks_passwords) {
+  const Answer demo = spc({"--trace", "demo"});
+  EXPECT_EQ(demo.status, 0);
+  EXPECT_TRUE(demo.complains("[3, 'chloé', 'Chloé Martin', '***']\n")) << "the user's row";
 }
 
 TEST_P(Demo, stores_what_the_files_say) {

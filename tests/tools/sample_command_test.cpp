@@ -4,7 +4,7 @@
 //   show, list: grids and lists for people and in JSON; the newest first; the limit; a profile; no samples, no sample
 //   Bad input: unknown profile, station and user; two profiles of one name; a file that cannot be read; a fault in the
 //     last line, after which nothing stands
-//   --trace: every statement, values of password columns masked
+//   --trace: every statement on standard error, no password in it
 #include <gtest/gtest.h>
 
 #include <fstream>

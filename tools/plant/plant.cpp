@@ -102,6 +102,7 @@ class LabelEntryRow : public TableRecordset<LabelEntryRow> {
 template <class Row, class Fill>
 void add(CDatabase& db, Fill fill) {
   Row row(&db);
+  row.m_strFilter = "1=0";
   if (!row.Open(CRecordset::snapshot, nullptr, CRecordset::appendOnly)) throw_can_not_open_rs_exception();
   row.AddNew();
   fill(row);

@@ -6,7 +6,7 @@
 
 namespace spc {
 
-void Table::add_column(std::string heading, Align align) { columns_.push_back({on_one_line(heading), align}); }
+void Table::add_column(const std::string& heading, Align align) { columns_.push_back({on_one_line(heading), align}); }
 
 void Table::add_row(std::vector<std::string> cells) {
   cells.resize(columns_.size());

@@ -16,7 +16,7 @@ class Table {
  public:
   explicit Table(std::string indent = {}) : indent_(std::move(indent)) {}
 
-  void add_column(std::string heading, Align align = Align::left);
+  void add_column(const std::string& heading, Align align = Align::left);
   /// Cells beyond the columns are left out, missing ones are empty.
   void add_row(std::vector<std::string> cells);
   std::size_t rows() const { return rows_.size(); }
