@@ -30,25 +30,13 @@ bool contains_word(std::string_view text, std::string_view capitals) noexcept {
   return false;
 }
 
-std::size_t backslash_literal_end(std::string_view sql, std::size_t at) noexcept {
-  for (std::size_t i = at + 1; i < sql.size(); ++i) {
-    if (sql[i] == '\\')
-      ++i;
-    else if (sql[i] == '\'' && (i + 1 >= sql.size() || sql[i + 1] != '\''))
-      return i + 1;
-    else if (sql[i] == '\'')
-      ++i;
-  }
-  return sql.size();
-}
-
 Token next_token(std::string_view sql, std::size_t at, bool backslash_escapes) noexcept {
   const char c = sql[at];
   auto kind = TokenKind::symbol;
   std::size_t end = at + 1;
   if (c == '\'') {
     kind = TokenKind::literal;
-    end = backslash_escapes ? backslash_literal_end(sql, at) : scan::literal_end(sql, at);
+    end = backslash_escapes ? scan::backslash_literal_end(sql, at) : scan::literal_end(sql, at);
   } else if (c == '[' || c == '"' || c == '`') {
     kind = TokenKind::name;
     end = scan::name_end(sql, at);

@@ -20,8 +20,8 @@ inline constexpr auto char_classes = [] {
     if (letter || c >= 0x80 || c == '_' || c == '@' || c == '#' || c == '$') classes[c] = begins_word;
     if (c >= '0' && c <= '9') classes[c] = digit;
   }
-  for (const unsigned char c : {' ', '\t', '\n', '\r', '\f'})
-    classes[c] = space;
+  for (const char c : {' ', '\t', '\n', '\r', '\f'})
+    classes[static_cast<unsigned char>(c)] = space;
   return classes;
 }();
 
@@ -33,31 +33,37 @@ constexpr bool is_word_start(char c) noexcept { return is(c, begins_word); }
 constexpr bool is_word(char c) noexcept { return is(c, begins_word | digit); }
 constexpr bool is_space(char c) noexcept { return is(c, space); }
 
+/// Behind what ends with `close`, which belongs to it where it is doubled.
+constexpr std::size_t delimited_end(std::string_view sql, std::size_t at, char close) noexcept {
+  for (std::size_t i = at + 1; i < sql.size(); ++i) {
+    if (sql[i] != close) continue;
+    if (i + 1 >= sql.size() || sql[i + 1] != close) return i + 1;
+    ++i;
+  }
+  return sql.size();
+}
+
 /// Behind a text literal: a doubled apostrophe belongs to it.
 constexpr std::size_t literal_end(std::string_view sql, std::size_t at) noexcept {
+  return delimited_end(sql, at, '\'');
+}
+
+/// The same for a server on which a backslash in a literal takes the next character with it.
+constexpr std::size_t backslash_literal_end(std::string_view sql, std::size_t at) noexcept {
   for (std::size_t i = at + 1; i < sql.size(); ++i) {
-    if (sql[i] != '\'') continue;
-    if (i + 1 < sql.size() && sql[i + 1] == '\'') {
+    if (sql[i] == '\\') {
       ++i;
-      continue;
+    } else if (sql[i] == '\'') {
+      if (i + 1 >= sql.size() || sql[i + 1] != '\'') return i + 1;
+      ++i;
     }
-    return i + 1;
   }
   return sql.size();
 }
 
 /// Behind a quoted name: [..], "..", `..`; a doubled closing quote belongs to it.
 constexpr std::size_t name_end(std::string_view sql, std::size_t at) noexcept {
-  const char close = sql[at] == '[' ? ']' : sql[at];
-  for (std::size_t i = at + 1; i < sql.size(); ++i) {
-    if (sql[i] != close) continue;
-    if (i + 1 < sql.size() && sql[i + 1] == close) {
-      ++i;
-      continue;
-    }
-    return i + 1;
-  }
-  return sql.size();
+  return delimited_end(sql, at, sql[at] == '[' ? ']' : sql[at]);
 }
 
 /// True where a comment begins.

@@ -8,23 +8,11 @@ namespace spcdb {
 namespace {
 
 /// The position behind the literal, quoted name or comment that begins at `start`, or `start` when none begins there.
-std::size_t skip_quoted(std::string_view sql, std::size_t start) noexcept {
+std::size_t skip_quoted(std::string_view sql, std::size_t start, bool backslash_escapes = false) noexcept {
   const char c = sql[start];
-  if (c == '\'') return scan::literal_end(sql, start);
+  if (c == '\'') return backslash_escapes ? scan::backslash_literal_end(sql, start) : scan::literal_end(sql, start);
   if (c == '"' || c == '`' || c == '[') return scan::name_end(sql, start);
   return scan::at_comment(sql, start) ? scan::comment_end(sql, start) : start;
-}
-
-/// The same for a server on which a backslash in a literal takes the next character with it.
-std::size_t skip_escaped(std::string_view sql, std::size_t start) noexcept {
-  if (sql[start] != '\'') return skip_quoted(sql, start);
-  for (std::size_t i = start + 1; i < sql.size(); ++i) {
-    if (sql[i] == '\\')
-      ++i;
-    else if (sql[i] == '\'')
-      return i + 1;
-  }
-  return sql.size();
 }
 
 /// Behind the blanks, comments and semicolons that may stand between statements.
@@ -61,7 +49,7 @@ Escape read_escape(std::string_view sql, std::size_t start) {
     escape.word += lower(sql[i]);
   skip_blanks();
   if (i >= sql.size() || sql[i] != '\'') return escape;
-  const auto literal_end = skip_quoted(sql, i);
+  const auto literal_end = scan::literal_end(sql, i);
   escape.literal = sql.substr(i, literal_end - i);
   i = literal_end;
   skip_blanks();
@@ -94,7 +82,7 @@ bool holds_two_statements(std::string_view sql, bool backslash_escapes) noexcept
   if (scan::same_word(sql.substr(i, word_end - i), "CREATE")) return false;
   while (i < sql.size()) {
     if (sql[i] == ';') return skip_between(sql, i) < sql.size();
-    const auto end = backslash_escapes ? skip_escaped(sql, i) : skip_quoted(sql, i);
+    const auto end = skip_quoted(sql, i, backslash_escapes);
     i = end > i ? end : i + 1;
   }
   return false;

@@ -249,7 +249,8 @@ TEST_P(SessionValues, texts_of_every_width_come_back_in_one_to_four_bytes_a_char
   for (const std::string_view character : {"a", "\xC3\xA4", "\xE2\x82\xAC", "\xF0\x9F\x98\x80"}) {
     std::string text;
     std::size_t length = 0;
-    for (const std::size_t width : {0, 1, 2, 63, 64, 65, 254, 255, 256, 513, 1023, 3999, 4000}) {
+    for (const auto width :
+         std::initializer_list<std::size_t>{0, 1, 2, 63, 64, 65, 254, 255, 256, 513, 1023, 3999, 4000}) {
       for (; length < width; ++length)
         text += character;
       ASSERT_EQ(round_trip(text, static_cast<int>(std::max<std::size_t>(width, 1))), text) << width;
@@ -268,7 +269,7 @@ TEST_P(SessionValues, backslashes_quotes_and_controls_pass_unchanged) {
 
 TEST_P(SessionValues, a_parameter_s_text_may_shrink_and_grow_between_executions) {
   create_values("VARCHAR(4000)");
-  for (const std::size_t length : {10, 3000, 0, 257, 1, 4000, 2})
+  for (const auto length : std::initializer_list<std::size_t>{10, 3000, 0, 257, 1, 4000, 2})
     EXPECT_EQ(round_trip(std::string(length, 'x'), 4000).size(), length);
 }
 
