@@ -1,7 +1,6 @@
 #include "tools/engine/reference_engine.h"
 
 #include <algorithm>
-#include <atomic>
 #include <string_view>
 
 #include "schema/description.h"
@@ -9,6 +8,7 @@
 #include "spcbase/foundation/failure.h"
 #include "spcbase/foundation/outcome.h"
 #include "spcbase/foundation/schema/data_entry.h"
+#include "spcbase/platform/automation/counted.h"
 
 namespace reference_engine {
 namespace {
@@ -182,7 +182,7 @@ HRESULT answer(Work&& work) noexcept {
   }
 }
 
-class Engine final : public SPCLib::IQsmSPC {
+class Engine final : public counted<SPCLib::IQsmSPC> {
  public:
   explicit Engine(CDatabase& db) : db_(db) {}
 
@@ -193,12 +193,6 @@ class Engine final : public SPCLib::IQsmSPC {
     if (!known) return E_NOINTERFACE;
     AddRef();
     return S_OK;
-  }
-  ULONG AddRef() override { return ++references_; }
-  ULONG Release() override {
-    const ULONG left = --references_;
-    if (left == 0) delete this;
-    return left;
   }
 
   HRESULT GetNextRunningNumber(BSTR table, LONG* number) override {
@@ -238,14 +232,11 @@ class Engine final : public SPCLib::IQsmSPC {
   }
 
  private:
-  ~Engine() = default;
-
   CDatabase& db_;
-  std::atomic<ULONG> references_{0};
 };
 
 }  // namespace
 
-SPCLib::IQsmSPCPtr make(CDatabase& db) { return SPCLib::IQsmSPCPtr(new Engine(db)); }
+SPCLib::IQsmSPCPtr make(CDatabase& db) { return SPCLib::IQsmSPCPtr(new Engine(db), false); }
 
 }  // namespace reference_engine

@@ -1,10 +1,10 @@
 #include "spcbase/platform/automation/error_info.h"
 
-#include <atomic>
 #include <new>
 
 #include "spcbase/platform/automation/bstr.h"
 #include "spcbase/platform/automation/com_ptr.h"
+#include "spcbase/platform/automation/counted.h"
 
 namespace {
 
@@ -28,7 +28,7 @@ class text_slot {
   BSTR text_ = nullptr;
 };
 
-class error_object final : public ICreateErrorInfo, public IErrorInfo {
+class error_object final : public counted<ICreateErrorInfo, IErrorInfo> {
  public:
   HRESULT QueryInterface(REFIID iid, void** object) override {
     if (object == nullptr) return E_POINTER;
@@ -38,12 +38,6 @@ class error_object final : public ICreateErrorInfo, public IErrorInfo {
     if (*object == nullptr) return E_NOINTERFACE;
     AddRef();
     return S_OK;
-  }
-  ULONG AddRef() override { return ++references_; }
-  ULONG Release() override {
-    const ULONG left = --references_;
-    if (left == 0) delete this;
-    return left;
   }
 
   HRESULT SetGUID(REFGUID interface_id) override {
@@ -73,7 +67,6 @@ class error_object final : public ICreateErrorInfo, public IErrorInfo {
   }
 
  private:
-  std::atomic<ULONG> references_{1};
   GUID guid_{};
   DWORD help_context_ = 0;
   text_slot source_;

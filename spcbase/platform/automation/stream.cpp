@@ -1,12 +1,13 @@
 #include "spcbase/platform/automation/stream.h"
 
 #include <algorithm>
-#include <atomic>
 #include <cstring>
 #include <limits>
 #include <memory>
 #include <new>
 #include <utility>
+
+#include "spcbase/platform/automation/counted.h"
 
 namespace {
 
@@ -56,7 +57,7 @@ class memory_block {
   bool owned_ = false;
 };
 
-class memory_stream final : public IStream {
+class memory_stream final : public counted<IStream> {
  public:
   memory_stream(std::shared_ptr<memory_block> block, ULONGLONG position) noexcept
       : block_(std::move(block)), position_(position) {}
@@ -70,12 +71,6 @@ class memory_stream final : public IStream {
     if (!known) return E_NOINTERFACE;
     AddRef();
     return S_OK;
-  }
-  ULONG AddRef() override { return ++references_; }
-  ULONG Release() override {
-    const ULONG left = --references_;
-    if (left == 0) delete this;
-    return left;
   }
 
   HRESULT Read(void* buffer, ULONG size_bytes, ULONG* read_bytes) override {
@@ -158,7 +153,6 @@ class memory_stream final : public IStream {
   ~memory_stream() = default;
   ULONGLONG bytes_left() const noexcept { return block_->size() > position_ ? block_->size() - position_ : 0; }
 
-  std::atomic<ULONG> references_{1};
   std::shared_ptr<memory_block> block_;
   ULONGLONG position_;
 };
