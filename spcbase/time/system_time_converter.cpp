@@ -120,17 +120,8 @@ void CSystemTime::ToTimestamp(tagTIMESTAMP_STRUCT* timestamp) const {
 
 void CSystemTime::ToTime(CTime* moment) const {
   if (!may_be_a_calendar_second(*this)) AtlThrow(E_FAIL);
-  std::tm fields{};
-  fields.tm_year = wYear - 1900;
-  fields.tm_mon = wMonth - 1;
-  fields.tm_mday = wDay;
-  fields.tm_hour = wHour;
-  fields.tm_min = wMinute;
-  fields.tm_sec = wSecond;
-  fields.tm_isdst = -1;
-  const __time64_t seconds = _mktime64(&fields);
-  if (seconds == -1) AtlThrow(E_INVALIDARG);
-  if (moment != nullptr) *moment = CTime(seconds);
+  const CTime local(static_cast<const SYSTEMTIME&>(*this));
+  if (moment != nullptr) *moment = local;
 }
 
 void CSystemTime::ToOleDateTime(COleDateTime* moment) const {
