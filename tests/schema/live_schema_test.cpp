@@ -10,7 +10,6 @@
 //   Texts compare exactly: case, accents, trailing blanks -> compares_texts_exactly
 //   27 running numbers at 0, an id is never assigned by itself, ALFLG is never null -> running_*, an_id_*, an_entry_*
 #include <gtest/gtest.h>
-#include <sqlite3.h>
 
 #include <algorithm>
 #include <memory>
@@ -23,6 +22,7 @@
 #include "schema/description.h"
 #include "tests/support/private_server.h"
 #include "tests/support/raw_odbc.h"
+#include "tests/support/raw_sqlite.h"
 
 namespace {
 
@@ -41,31 +41,12 @@ class LiveDatabase {
 
 class LiveSqlite : public LiveDatabase {
  public:
-  LiveSqlite() {
-    sqlite3_open(":memory:", &database_);
-    execute("PRAGMA foreign_keys = ON");
-  }
-  ~LiveSqlite() override { sqlite3_close(database_); }
-  void execute(const std::string& statement) override { rows(statement); }
-  std::vector<Row> rows(const std::string& statement) override {
-    std::vector<Row> all;
-    char* why = nullptr;
-    if (sqlite3_exec(database_, statement.c_str(), &LiveSqlite::add_row, &all, &why) == SQLITE_OK) return all;
-    const std::string text = std::string(why) + " in: " + statement;
-    sqlite3_free(why);
-    throw std::runtime_error(text);
-  }
+  LiveSqlite() { execute("PRAGMA foreign_keys = ON"); }
+  void execute(const std::string& statement) override { database_.execute(statement); }
+  std::vector<Row> rows(const std::string& statement) override { return database_.rows(statement); }
 
  private:
-  static int add_row(void* all, int columns, char** values, char** /*names*/) {
-    Row& row = static_cast<std::vector<Row>*>(all)->emplace_back();
-    for (int i = 0; i < columns; ++i) {
-      row.push_back(values[i] == nullptr ? std::nullopt : std::optional<std::string>(values[i]));
-    }
-    return 0;
-  }
-
-  sqlite3* database_ = nullptr;
+  test_support::RawSqlite database_{":memory:"};
 };
 
 class LiveMariaDb : public LiveDatabase {

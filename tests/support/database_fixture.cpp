@@ -1,7 +1,5 @@
 #include "tests/support/database_fixture.h"
 
-#include <sqlite3.h>
-
 #include <filesystem>
 #include <stdexcept>
 
@@ -9,6 +7,7 @@
 #include "schema/description.h"
 #include "tests/support/private_server.h"
 #include "tests/support/raw_odbc.h"
+#include "tests/support/raw_sqlite.h"
 #include "tests/support/scratch_folder.h"
 
 namespace test_support {
@@ -45,47 +44,16 @@ namespace {
 
 using Row = SchemaDatabase::Row;
 
-// An SQLite file, beside the code under test.
-class PlainSqlite {
- public:
-  explicit PlainSqlite(const std::string& file) {
-    if (sqlite3_open(file.c_str(), &database_) != SQLITE_OK) throw std::runtime_error("cannot open " + file);
-    sqlite3_busy_timeout(database_, 2000);
-  }
-  ~PlainSqlite() { sqlite3_close(database_); }
-  PlainSqlite(const PlainSqlite&) = delete;
-  PlainSqlite& operator=(const PlainSqlite&) = delete;
-
-  std::vector<Row> rows(const std::string& statement) {
-    std::vector<Row> all;
-    char* why = nullptr;
-    if (sqlite3_exec(database_, statement.c_str(), &PlainSqlite::add_row, &all, &why) == SQLITE_OK) return all;
-    const std::string text = std::string(why) + " in: " + statement;
-    sqlite3_free(why);
-    throw std::runtime_error(text);
-  }
-
- private:
-  static int add_row(void* all, int columns, char** values, char** /*names*/) {
-    Row& row = static_cast<std::vector<Row>*>(all)->emplace_back();
-    for (int i = 0; i < columns; ++i)
-      row.push_back(values[i] == nullptr ? std::nullopt : std::optional<std::string>(values[i]));
-    return 0;
-  }
-
-  sqlite3* database_ = nullptr;
-};
-
 // The file that every SQLite database of this program is a copy of.
 const std::string& sqlite_template() {
   static const ScratchFolder folder;
   static const std::string made = [] {
     std::string file = folder.file("template.db");
-    PlainSqlite database(file);
-    database.rows("BEGIN");
+    RawSqlite database(file);
+    database.execute("BEGIN");
     for (const auto& statement : schema::create_statements(schema::Server::sqlite))
-      database.rows(statement);
-    database.rows("COMMIT");
+      database.execute(statement);
+    database.execute("COMMIT");
     return file;
   }();
   return made;
@@ -101,7 +69,7 @@ class SqlitePlace : public SchemaDatabase::Place {
     return "Driver=SQLite3;Database=" + file_ + ";FKSupport=1;Timeout=2000";
   }
   std::vector<Row> rows(const std::string& statement) override {
-    if (plain_ == nullptr) plain_ = std::make_unique<PlainSqlite>(file_);
+    if (plain_ == nullptr) plain_ = std::make_unique<RawSqlite>(file_);
     return plain_->rows(statement);
   }
   void spoil() override {}
@@ -110,7 +78,7 @@ class SqlitePlace : public SchemaDatabase::Place {
   bool odbc_;
   ScratchFolder folder_;
   std::string file_ = folder_.file("plant.db");
-  std::unique_ptr<PlainSqlite> plain_;
+  std::unique_ptr<RawSqlite> plain_;
 };
 
 // A database of the private server, kept for the next test.

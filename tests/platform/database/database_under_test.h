@@ -27,17 +27,14 @@ inline std::string server_name(const testing::TestParamInfo<Server>& info) {
 
 inline const auto all_servers = testing::Values(Server::sqlite, Server::sqlite_odbc, Server::mariadb);
 
-/// A connected, empty database of the server that the case runs on, and a second connection to it on request.
-class DatabaseTest : public testing::TestWithParam<Server> {
+/// An empty database of the server that the case runs on.
+class ServerTest : public testing::TestWithParam<Server> {
  protected:
   void SetUp() override {
     if (GetParam() == Server::mariadb)
       own_ = std::make_unique<test_support::TestDatabase>(test_support::PrivateMariaDb::shared().create_database());
-    db.OpenEx(connect_text().c_str());
   }
-  void TearDown() override {
-    if (db.IsOpen()) db.Close();
-  }
+  void TearDown() override { own_.reset(); }
 
   std::string connect_text() const {
     switch (GetParam()) {
@@ -52,6 +49,23 @@ class DatabaseTest : public testing::TestWithParam<Server> {
   }
   bool on_mariadb() const { return GetParam() == Server::mariadb; }
 
+ private:
+  test_support::ScratchFolder folder_;
+  std::unique_ptr<test_support::TestDatabase> own_;
+};
+
+/// The same, connected; a second connection to it on request.
+class DatabaseTest : public ServerTest {
+ protected:
+  void SetUp() override {
+    ServerTest::SetUp();
+    db.OpenEx(connect_text().c_str());
+  }
+  void TearDown() override {
+    if (db.IsOpen()) db.Close();
+    ServerTest::TearDown();
+  }
+
   /// A table with one column of each kind.
   void create_things() {
     db.ExecuteSQL(on_mariadb()
@@ -62,10 +76,6 @@ class DatabaseTest : public testing::TestWithParam<Server> {
   }
 
   CDatabase db;
-
- private:
-  test_support::ScratchFolder folder_;
-  std::unique_ptr<test_support::TestDatabase> own_;
 };
 
 /// The rows of THINGS.

@@ -40,37 +40,24 @@ inline DriverFacts facts_of(Server server) {
 }
 
 /// A session on a fresh database of each kind.
-class SessionTest : public testing::TestWithParam<Server> {
+class SessionTest : public ServerTest {
  protected:
   using Kind = spcdb::ValueKind;
   using P = spcdb::Parameter;
 
   void SetUp() override {
-    if (GetParam() == Server::mariadb)
-      own_ = std::make_unique<test_support::TestDatabase>(test_support::PrivateMariaDb::shared().create_database());
+    ServerTest::SetUp();
     session = connect();
   }
   void TearDown() override {
     session.reset();
-    own_.reset();
+    ServerTest::TearDown();
   }
 
-  std::string connect_text() const {
-    switch (GetParam()) {
-      case Server::sqlite:
-        return "sqlite:" + folder_.file("test.db") + ";Create=1;Timeout=200";
-      case Server::sqlite_odbc:
-        return "Driver=SQLite3;Database=" + folder_.file("test.db") + ";Timeout=200";
-      case Server::mariadb:
-        break;
-    }
-    return own_->odbc_connect_text();
-  }
   std::unique_ptr<spcdb::Session> connect(spcdb::CallHook* hook = nullptr) const {
     return GetParam() == Server::sqlite ? spcdb::open_sqlite(connect_text(), false, hook)
                                         : spcdb::open_odbc(connect_text(), false, hook);
   }
-  bool on_mariadb() const { return GetParam() == Server::mariadb; }
   bool on_sqlite() const { return GetParam() == Server::sqlite; }
   DriverFacts facts() const { return facts_of(GetParam()); }
 
@@ -128,10 +115,6 @@ class SessionTest : public testing::TestWithParam<Server> {
   }
 
   std::unique_ptr<spcdb::Session> session;
-
- private:
-  test_support::ScratchFolder folder_;
-  std::unique_ptr<test_support::TestDatabase> own_;
 };
 
 /// Whether a failure is of this SQLSTATE. "State:23000,Native:..." is how the diagnostics begin.
