@@ -82,6 +82,10 @@ class Layers(Guard):
         self.plant("spcbase/time/calendar.cpp", "#include <sys/stat.h>\n")
         self.expect_find(self.guard, "spcbase/time/calendar.cpp:1: spcbase/time may not include <sys/stat.h>")
 
+    def test_a_system_header_in_the_command_is_found(self):
+        self.plant("tools/spc/main.cpp", "#include <unistd.h>\n")
+        self.expect_find(self.guard, "tools/spc/main.cpp:1: tools may not include <unistd.h>")
+
     def test_one_platform_folder_does_not_use_the_library_of_another(self):
         self.plant("spcbase/platform/text/cstring.cpp", "#include <sql.h>\n")
         self.expect_find(self.guard, "spcbase/platform/text/cstring.cpp:1: ", "group odbc")
