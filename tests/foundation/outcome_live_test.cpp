@@ -2,8 +2,8 @@
 //   On SQLite, MariaDB and SQLite's ODBC driver: duplicate key (primary and unique), missing reference, value too long,
 //     missing table and column, syntax, a locked row or file -> failures_live.*
 //   SQLite: a full database, a read-only one, a file that is missing or no database, an overtaken snapshot
-//   MariaDB: a deadlock between two connections, a lost link, one lost at a commit, a login without rights, a statement out of time,
-//     a server that is not there
+//   MariaDB: a deadlock between two connections, a lost link, one lost at a commit, a login without rights, a statement
+//     out of time, a server that is not there
 //   The tools of a host: connect texts that name nothing -> connect_texts.*
 #include <gtest/gtest.h>
 
