@@ -2,6 +2,8 @@
 
 #include <algorithm>
 
+#include "spcbase/foundation/schema/running_numbers.h"
+
 namespace schema {
 namespace {
 
@@ -185,17 +187,12 @@ const std::vector<View>& views() {
 }
 
 const std::vector<RunningNumber>& running_numbers() {
-  static const std::vector<RunningNumber> all = {
-      {"CSCHRT", "CHRTID", "CSCHRN"},     {"CSDASH", "DASHID", "CSDASHRN"},  {"CSGROUP", "GROUPID", "CSGPRN"},
-      {"CSICON", "ICONID", "CSICONRN"},   {"CSLABEL", "LABELID", "CSLBRN"},  {"CSMON", "MONID", "CSMNRN"},
-      {"CSNODE", "NODEID", "CSNDRN"},     {"CSOPT", "OPTID", "CSOPRN"},      {"CSPROF", "PROFID", "CSPFRN"},
-      {"CSSAMP", "SAMPID", "CSSPRN"},     {"CSSTN", "STNID", "CSSTRN"},      {"CSTS", "TSID", "CSTSRN"},
-      {"CSUSER", "USERID", "CSUSRN"},     {"CSVALUE", "VALUEID", "CSVLRN"},  {"CSENT", "ENT_ID", "CSENTRN"},
-      {"CSHDFS", "HDFSID", "CSHDFSRN"},   {"CSSBDA", "SBDAID", "CSSBDARN"},  {"CSTIC", "TICID", "CSTICRN"},
-      {"CSALARM", "ALARMID", "CSALRMRN"}, {"CSCOLOR", "COLORID", "CSCLRRN"}, {"CSDOC", "DOCID", "CSDOCRN"},
-      {"CSEXDB", "EXDBID", "CSEXDBRN"},   {"CSPSQ", "PSQID", "CSPSQRN"},     {"CSDESESS", "DESESSID", "CSDESSRN"},
-      {"CSBATCH", "BATCHID", "CSBTCHRN"}, {"CSAUSR", "SESID", "CSSERN"},     {"CSLOG", "LOGID", "CSLOGRN"},
-  };
+  static const std::vector<RunningNumber> all = [] {
+    std::vector<RunningNumber> numbers;
+    for (const running_number& number : ::running_numbers)
+      numbers.push_back({number.table, number.id_column, number.counter});
+    return numbers;
+  }();
   return all;
 }
 

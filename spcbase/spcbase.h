@@ -8,5 +8,7 @@
 #include "spcbase/foundation/failure.h"
 #include "spcbase/foundation/outcome.h"
 #include "spcbase/foundation/recordset.h"
+#include "spcbase/foundation/running_number.h"
 #include "spcbase/foundation/schema.h"
+#include "spcbase/foundation/settings.h"
 #include "spcbase/time/calendar.h"
