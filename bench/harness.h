@@ -1,4 +1,4 @@
-/// Measures pairs, and judges them.
+/// Measures jobs with Google Benchmark, and judges them.
 #pragma once
 
 #include <string>
@@ -13,13 +13,16 @@ struct Line {
   std::string job;
   std::string server;
   std::string ours;   ///< with its unit
-  std::string plain;  ///< with its unit
+  std::string plain;  ///< with its unit; "-" where there is no such side
   std::string ratio;  ///< "-" where the limit is no ratio
   std::string limit;
   bool over = false;
 };
 
-/// Holds both sides of a job to the same statements and the same results, and measures them in alternating rounds.
+/// Tells Google Benchmark how to run a batch; once, before `measure`. `program` is the name of this one.
+void set_up_batches(char* program);
+
+/// Holds both sides of a job to the same statements and the same results, and measures them in interleaved rounds.
 /// Fails: std::runtime_error when they do not do the same.
 Line measure(const Job& job, Plant& plant, double seconds);
 

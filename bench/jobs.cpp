@@ -6,9 +6,9 @@ std::vector<Job> all_jobs() { return {save_sample(), read_sample(), scan(), open
 
 Tally OurWork::statements_of_one() {
   TallyObserver observer;
-  db_->set_observer(&observer);
-  run(1);
-  db_->set_observer(nullptr);
+  db_.set_observer(&observer);
+  run();
+  db_.set_observer(nullptr);
   return observer.tally;
 }
 

@@ -7,6 +7,7 @@
 
 #include "bench/plant.h"
 #include "bench/tally.h"
+#include "spcbase/foundation/connection.h"
 
 namespace bench {
 
@@ -14,19 +15,22 @@ namespace bench {
 class Work {
  public:
   virtual ~Work() = default;
-  /// Does the work so many times.
-  virtual void run(long times) = 0;
+  /// Does the work once. This is what the clock sees.
+  virtual void run() = 0;
   /// Does it once and tells which statements were sent for it.
   virtual Tally statements_of_one() = 0;
   /// A number that both sides must agree on when each has done the work equally often; it depends on every value that
   /// was read or written.
-  virtual double result() = 0;
+  virtual double result() { return sum_; }
+
+ protected:
+  double sum_ = 0;
 };
 
 /// Both sides.
 struct Pair {
   std::unique_ptr<Work> ours;
-  std::unique_ptr<Work> plain;
+  std::unique_ptr<Work> plain;  ///< null when plain C has no counterpart; then ours may send no statement
 };
 
 /// What one line of memory says: how far the peak grew while the work was done.
@@ -38,7 +42,7 @@ struct Growth {
 /// One line of the table for each server. Either `pair` is set, and times are measured, or `growth`.
 struct Job {
   std::string name;
-  double sqlite_limit = 0;  ///< times plain, or MiB more than plain
+  double sqlite_limit = 0;  ///< times plain; without a plain side microseconds; of a growth MiB for ours
   double mariadb_limit = 0;
   Pair (*pair)(Plant&) = nullptr;
   Growth (*growth)(Plant&) = nullptr;
@@ -58,14 +62,14 @@ std::vector<Job> all_jobs();
 /// Our side on a connection of its own.
 class OurWork : public Work {
  public:
-  explicit OurWork(const Place& place) : db_(open_ours(place)) {}
+  explicit OurWork(const Place& place) { db_.OpenEx(place.connect_text.c_str()); }
   Tally statements_of_one() override;
 
  protected:
-  CDatabase& db() { return *db_; }
+  CDatabaseEx& db() { return db_; }
 
  private:
-  std::unique_ptr<CDatabase> db_;
+  CDatabaseEx db_;
 };
 
 /// The plain side on a connection of its own.
@@ -75,7 +79,7 @@ class PlainWork : public Work {
   explicit PlainWork(const Place& place) : db_(place.plain_text) {}
   Tally statements_of_one() override {
     const Tally before = db_.tally();
-    run(1);
+    run();
     Tally sent = db_.tally();
     for (const auto& [shape, count] : before)
       if ((sent[shape] -= count) == 0) sent.erase(shape);
@@ -91,6 +95,12 @@ template <template <class> class Side>
 std::unique_ptr<Work> make_plain(const Place& place) {
   if (place.server == Server::sqlite) return std::make_unique<Side<PlainSqlite>>(place);
   return std::make_unique<Side<PlainOdbc>>(place);
+}
+
+/// Both sides on the databases of these places, which may be one.
+template <class Ours, template <class> class Plain>
+Pair make_pair_of(const Place& ours, const Place& plain) {
+  return {std::make_unique<Ours>(ours), make_plain<Plain>(plain)};
 }
 
 }  // namespace bench

@@ -31,14 +31,8 @@ class OurOpen final : public OurWork {
  public:
   using OurWork::OurWork;
 
-  void run(long times) override {
-    for (long i = 0; i < times; ++i)
-      open_once(places_.next());
-  }
-  double result() override { return sum_; }
-
- private:
-  void open_once(const Places::Key& key) {
+  void run() override {
+    const auto key = places_.next();
     CRSVariable row(&db());
     row.m_strFilter.Format("SAMPID=%d AND CHRTID=%d AND PIECENO=%d", key.sample, key.characteristic, key.piece);
     if (!row.Open(CRecordset::forwardOnly, nullptr, CRecordset::readOnly | CRecordset::executeDirect))
@@ -48,8 +42,8 @@ class OurOpen final : public OurWork {
     row.Close();
   }
 
+ private:
   Places places_;
-  double sum_ = 0;
 };
 
 template <class Database>
@@ -61,25 +55,19 @@ class PlainOpen final : public PlainWork<Database> {
             "SELECT SAMPID,CHRTID,PIECENO,VARVALUE FROM CSVDAT WHERE SAMPID=? AND CHRTID=? AND PIECENO=?", "iii",
             "iiid")) {}
 
-  void run(long times) override {
-    for (long i = 0; i < times; ++i)
-      open_once(places_.next());
-  }
-  double result() override { return sum_; }
-
- private:
-  void open_once(const Places::Key& key) {
+  void run() override {
+    const auto key = places_.next();
     row_.set_number(0, key.sample);
     row_.set_number(1, key.characteristic);
     row_.set_number(2, key.piece);
     if (!row_.query()) throw std::runtime_error("a row is missing");
-    sum_ += worth_of(row_.number_at(0), row_.number_at(1), row_.number_at(2), row_.real_at(3));
+    this->sum_ += worth_of(row_.number_at(0), row_.number_at(1), row_.number_at(2), row_.real_at(3));
     row_.close();
   }
 
+ private:
   typename Database::Statement& row_;
   Places places_;
-  double sum_ = 0;
 };
 
 }  // namespace
@@ -89,10 +77,7 @@ Job open_row() {
   job.name = "one row by key";
   job.sqlite_limit = 2.0;
   job.mariadb_limit = 1.3;
-  job.pair = [](Plant& plant) {
-    const Place& place = plant.filled();
-    return Pair{std::make_unique<OurOpen>(place), make_plain<PlainOpen>(place)};
-  };
+  job.pair = [](Plant& plant) { return make_pair_of<OurOpen, PlainOpen>(plant.filled(), plant.filled()); };
   return job;
 }
 

@@ -46,12 +46,6 @@ double measured_value(int sample, int characteristic, int piece) {
 
 const char* name_of(Server server) { return server == Server::sqlite ? "SQLite" : "MariaDB"; }
 
-std::unique_ptr<CDatabase> open_ours(const Place& place) {
-  auto db = std::make_unique<CDatabase>();
-  db->OpenEx(place.connect_text.c_str());
-  return db;
-}
-
 Plant::Plant(Server server) : server_(server) {}
 
 Place Plant::make_database() {

@@ -7,7 +7,6 @@
 
 #include "bench/plain_odbc.h"
 #include "bench/plain_sqlite.h"
-#include "spcbase/platform/database/database.h"
 #include "tests/support/private_server.h"
 #include "tests/support/scratch_folder.h"
 
@@ -33,9 +32,6 @@ struct Place {
   std::string connect_text;  ///< for `CDatabase::OpenEx`
   std::string plain_text;    ///< a file, or the connect text without its prefix
 };
-
-/// Opens a connection of the library. Fails: CDBException*.
-std::unique_ptr<CDatabase> open_ours(const Place& place);
 
 /// Makes and fills databases on one server. All of them are gone with the object.
 class Plant {

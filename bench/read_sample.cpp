@@ -30,17 +30,10 @@ class OurReading final : public OurWork {
     helper_.load_from_db(engine_, db(), station, user, profile_id);
   }
 
-  void run(long times) override {
-    for (long i = 0; i < times; ++i)
-      read_once(samples_.next());
-  }
-  double result() override { return sum_; }
-
- private:
-  void read_once(int sample) {
+  void run() override {
+    const int sample = samples_.next();
     double date = 0;
     const safe_array_holder grid(helper_.get_data(engine_, db(), sample, profile_id, 0, station, user, &date));
-    last_ = grid.get();
     const safe_array_access access(grid.get());
     const auto* cells = access.as<VARIANT>();
     for (int row = 0; row < pieces; ++row)
@@ -51,11 +44,10 @@ class OurReading final : public OurWork {
     sum_ += date;
   }
 
+ private:
   SPCLib::IQsmSPCPtr engine_;
   oldde::DEHelper helper_;
   Samples samples_;
-  SAFEARRAY* last_ = nullptr;
-  double sum_ = 0;
 };
 
 /// "SELECT ... CHRTID IN (?,?,...)".
@@ -75,14 +67,8 @@ class PlainReading final : public PlainWork<Database> {
         cells_(this->db_.prepare(select_of_cells(), std::string(1 + characteristics, 'i').c_str(), "iiid",
                                  rows_per_sample)) {}
 
-  void run(long times) override {
-    for (long i = 0; i < times; ++i)
-      read_once(samples_.next());
-  }
-  double result() override { return sum_; }
-
- private:
-  void read_once(int sample) {
+  void run() override {
+    const int sample = samples_.next();
     const int rows = questions_.rows_of(sample);
     PlainGrid grid(characteristics, rows);
     const double date = questions_.date_of(sample);
@@ -90,11 +76,12 @@ class PlainReading final : public PlainWork<Database> {
     for (int row = 0; row < pieces; ++row)
       for (int column = 0; column < characteristics; ++column) {
         const Cell& cell = grid.at(column, row);
-        if (cell.type == Cell::Type::real) sum_ += worth_of(column, row, cell.real);
+        if (cell.type == Cell::Type::real) this->sum_ += worth_of(column, row, cell.real);
       }
-    sum_ += date;
+    this->sum_ += date;
   }
 
+ private:
   void fill(int sample, PlainGrid& grid) {
     cells_.set_number(0, sample);
     for (int i = 0; i < characteristics; ++i)
@@ -111,7 +98,6 @@ class PlainReading final : public PlainWork<Database> {
   PlainSampleQuestions<Database> questions_;
   typename Database::Statement& cells_;
   Samples samples_;
-  double sum_ = 0;
 };
 
 }  // namespace
@@ -121,10 +107,7 @@ Job read_sample() {
   job.name = "read a sample of 25 x 5";
   job.sqlite_limit = 1.5;
   job.mariadb_limit = 1.25;
-  job.pair = [](Plant& plant) {
-    const Place& place = plant.filled();
-    return Pair{std::make_unique<OurReading>(place), make_plain<PlainReading>(place)};
-  };
+  job.pair = [](Plant& plant) { return make_pair_of<OurReading, PlainReading>(plant.filled(), plant.filled()); };
   return job;
 }
 

@@ -15,9 +15,9 @@ constexpr const char* user_name = "bench";
 
 /// What the tables hold, as one number.
 constexpr const char* contents =
-    "SELECT (SELECT SUM(VARVALUE * (CHRTID + 31 * PIECENO)) + COUNT(*) FROM CSVDAT) + (SELECT SUM(SAMPID * 3.0 + "
-    "PROFID) "
-    "+ COUNT(CTIME) FROM CSSAMP) + (SELECT SUM(SAMPID * 5.0 + ASTAT + CSTAT + FLG1 + FLG2 + LENGTH(MUSER)) + "
+    "SELECT (SELECT SUM(VARVALUE * (CHRTID + 31 * PIECENO)) + COUNT(*) FROM CSVDAT) + "
+    "(SELECT SUM(SAMPID * 3.0 + PROFID) + COUNT(CTIME) FROM CSSAMP) + (SELECT SUM(SAMPID * 5.0 + ASTAT + CSTAT + FLG1 "
+    "+ FLG2 + LENGTH(MUSER)) + "
     "COUNT(MTIME) FROM CSSPAPPR) + (SELECT MAXNO FROM CSSPRN)";
 
 template <class Database>
@@ -48,39 +48,25 @@ SAFEARRAY* make_grid() {
   return grid;
 }
 
-class OurSaving final : public Work {
+class OurSaving final : public OurWork {
  public:
-  explicit OurSaving(Place place) : place_(std::move(place)), grid_(make_grid()) {
-    db_.OpenEx(place_.connect_text.c_str());
-    engine_ = reference_engine::make(db_);
-    helper_.load_from_db(engine_, db_, station, user, profile_id);
+  explicit OurSaving(const Place& place)
+      : OurWork(place), place_(place), engine_(reference_engine::make(db())), grid_(make_grid()) {
+    helper_.load_from_db(engine_, db(), station, user, profile_id);
   }
 
-  void run(long times) override {
-    for (long i = 0; i < times; ++i)
-      save_once();
-  }
-  Tally statements_of_one() override {
-    TallyObserver observer;
-    db_.set_observer(&observer);
-    run(1);
-    db_.set_observer(nullptr);
-    return observer.tally;
+  void run() override {
+    AutoODBCTransaction transaction(db(), true);
+    long sample = 0;
+    double date = 0;
+    SAFEARRAY* grid = grid_.get();
+    helper_.set_data(engine_, db(), &sample, profile_id, 0, station, user, user_name, &grid, &date);
+    if (!transaction.commit()) throw std::runtime_error("the sample was not committed");
   }
   double result() override { return contents_of(place_); }
 
  private:
-  void save_once() {
-    AutoODBCTransaction transaction(db_, true);
-    long sample = 0;
-    double date = 0;
-    SAFEARRAY* grid = grid_.get();
-    helper_.set_data(engine_, db_, &sample, profile_id, 0, station, user, user_name, &grid, &date);
-    if (!transaction.commit()) throw std::runtime_error("the sample was not committed");
-  }
-
   Place place_;
-  CDatabaseEx db_;
   SPCLib::IQsmSPCPtr engine_;
   oldde::DEHelper helper_;
   safe_array_holder grid_;
@@ -111,16 +97,7 @@ class PlainSaving final : public PlainWork<Database> {
         grid_.at(column, row) = {Cell::Type::real, measured_value(1, column + 1, row + 1)};
   }
 
-  void run(long times) override {
-    for (long i = 0; i < times; ++i)
-      save_once();
-  }
-  double result() override { return contents_of(place_); }
-
- private:
-  using Statement = typename Database::Statement;
-
-  void save_once() {
+  void run() override {
     this->db_.begin();
     const int sample = next_number();
     add_sample(sample);
@@ -132,6 +109,10 @@ class PlainSaving final : public PlainWork<Database> {
         add_value(sample, column + 1, row + 1, grid_.at(column, row));
     this->db_.commit();
   }
+  double result() override { return contents_of(place_); }
+
+ private:
+  using Statement = typename Database::Statement;
 
   int next_number() {
     raise_number_.write();
@@ -205,7 +186,7 @@ Job save_sample() {
   job.mariadb_limit = 1.25;
   // Each side fills a database of its own, so that neither works on the larger tables.
   job.pair = [](Plant& plant) {
-    return Pair{std::make_unique<OurSaving>(plant.make_database()), make_plain<PlainSaving>(plant.make_database())};
+    return make_pair_of<OurSaving, PlainSaving>(plant.make_database(), plant.make_database());
   };
   return job;
 }

@@ -14,14 +14,7 @@ class OurScan final : public OurWork {
  public:
   using OurWork::OurWork;
 
-  void run(long times) override {
-    for (long i = 0; i < times; ++i)
-      scan_once();
-  }
-  double result() override { return sum_; }
-
- private:
-  void scan_once() {
+  void run() override {
     CRSVariable rows(&db());
     if (!rows.Open(CRecordset::forwardOnly, nullptr, CRecordset::readOnly | CRecordset::executeDirect))
       throw std::runtime_error("the table did not open");
@@ -30,8 +23,6 @@ class OurScan final : public OurWork {
       sum_ += worth_of(rows.sampid, rows.chrtid, rows.pieceno, rows.varvalue);
     rows.Close();
   }
-
-  double sum_ = 0;
 };
 
 template <class Database>
@@ -41,25 +32,18 @@ class PlainScan final : public PlainWork<Database> {
       : PlainWork<Database>(place),
         rows_(this->db_.prepare("SELECT SAMPID,CHRTID,PIECENO,VARVALUE FROM CSVDAT", "", "iiid", block_rows)) {}
 
-  void run(long times) override {
-    for (long i = 0; i < times; ++i)
-      scan_once();
+  void run() override {
+    this->sum_ = 0;
+    for (bool has_row = rows_.query(); has_row; has_row = rows_.next())
+      this->sum_ += worth_of(rows_.number_at(0), rows_.number_at(1), rows_.number_at(2), rows_.real_at(3));
+    rows_.close();
   }
-  double result() override { return sum_; }
 
  private:
   /// More gains nothing.
   static constexpr int block_rows = 100;
 
-  void scan_once() {
-    sum_ = 0;
-    for (bool has_row = rows_.query(); has_row; has_row = rows_.next())
-      sum_ += worth_of(rows_.number_at(0), rows_.number_at(1), rows_.number_at(2), rows_.real_at(3));
-    rows_.close();
-  }
-
   typename Database::Statement& rows_;
-  double sum_ = 0;
 };
 
 }  // namespace
@@ -69,10 +53,7 @@ Job scan() {
   job.name = "scan of 100,000 rows";
   job.sqlite_limit = 1.5;
   job.mariadb_limit = 1.2;
-  job.pair = [](Plant& plant) {
-    const Place& place = plant.filled();
-    return Pair{std::make_unique<OurScan>(place), make_plain<PlainScan>(place)};
-  };
+  job.pair = [](Plant& plant) { return make_pair_of<OurScan, PlainScan>(plant.filled(), plant.filled()); };
   return job;
 }
 
