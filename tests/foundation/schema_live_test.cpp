@@ -41,9 +41,17 @@ class schema_live : public test_support::DatabaseTest {
   }
 
   template <class Recordset, class... More>
+  Recordset connected(More... more) {
+    if constexpr (std::is_base_of_v<BlobRSHelper, Recordset>)
+      return Recordset(&db(), 0);
+    else
+      return Recordset(&db(), more...);
+  }
+
+  template <class Recordset, class... More>
   void check(const char* filter, More... more) {
     SCOPED_TRACE(Recordset::source);
-    Recordset rs(&db(), more...);
+    auto rs = connected<Recordset>(more...);
     if (filter != nullptr) set_rs_where_clause(rs, filter);
     ASSERT_TRUE(open_for_read(rs));
     EXPECT_TRUE(rs.m_bEOF);

@@ -61,6 +61,8 @@ const char* word_of(coltab::Kind kind) {
       return "date";
     case coltab::Kind::real:
       return "double";
+    case coltab::Kind::blob:
+      return "blob";
   }
   return "";
 }
@@ -102,6 +104,15 @@ TEST(recordset_classes, only_the_search_for_a_value_has_a_parameter) {
 template <class Recordset>
 class recordset : public testing::Test {};
 
+// One of these classes without a connection; those with a blob take the mode of its field too.
+template <class Recordset>
+Recordset unconnected() {
+  if constexpr (std::is_base_of_v<BlobRSHelper, Recordset>)
+    return Recordset(nullptr, 0);
+  else
+    return Recordset(nullptr);
+}
+
 using PlainClasses =
     testing::Types<RSNode1, RSNode2, RSMonInNode1, RSProfInNode1, RSExtDB, RSExtDBForDelete, RSExtDBWithOnlyID, RSMOPB,
                    RSPOPB, RSMEXT, RSOBJREV, RSOBJREVForAdd, RSOBJREVForApprove, RSOBJREVWithVersion, RSOBJREV_Minimum,
@@ -112,7 +123,7 @@ using PlainClasses =
 TYPED_TEST_SUITE(recordset, PlainClasses);
 
 TYPED_TEST(recordset, starts_as_its_column_table_says) {
-  TypeParam rs(nullptr);
+  auto rs = unconnected<TypeParam>();
   EXPECT_EQ(rs.m_nFields, std::tuple_size_v<std::remove_cvref_t<decltype(TypeParam::columns)>>);
   EXPECT_EQ(rs.m_nParams, std::tuple_size_v<std::remove_cvref_t<decltype(TypeParam::parameters)>>);
   EXPECT_EQ(rs.m_nDefaultType, CRecordset::snapshot);
@@ -128,9 +139,24 @@ TYPED_TEST(recordset, derives_from_the_common_base_unless_it_maps_a_servers_cata
 }
 
 TYPED_TEST(recordset, without_a_connection_does_not_open) {
-  TypeParam rs(nullptr);
+  auto rs = unconnected<TypeParam>();
   EXPECT_FALSE(rs.Open());
   EXPECT_FALSE(rs.IsOpen());
+}
+
+TEST(blob_classes, have_their_blob_as_the_last_column_and_count_it) {
+  for (const auto& one : coltab::recordset_classes())
+    for (const auto& column : one.columns)
+      if (column.kind == coltab::Kind::blob) {
+        EXPECT_EQ(&column, &one.columns.back()) << one.class_name;
+      }
+  EXPECT_EQ(RSMOPB(nullptr, 0).m_nFields, 2U);
+  EXPECT_EQ(RSMOPB(nullptr, 0).blob_column, "[OPTVAL]");
+  EXPECT_EQ(RSPOPB(nullptr, 0).blob_column, "[OPTVAL]");
+  EXPECT_EQ(RSMEXT(nullptr, 0).blob_column, "[DATA]");
+  EXPECT_EQ(RSOBJDAT(nullptr, 0).blob_column, "[DATA]");
+  EXPECT_EQ(RSExtDB(nullptr, 0).m_nFields, 9U);
+  EXPECT_EQ(RSFullRevisionInfo(nullptr, 100).m_nFields, 18U);
 }
 
 TEST(profile_lists, add_their_columns_to_those_of_their_base) {
@@ -235,6 +261,9 @@ TEST(recordset_classes, name_only_columns_that_the_schema_describes) {
         case coltab::Kind::real:
           EXPECT_EQ(found->type, ColumnType::real) << one.class_name << " " << column.name;
           break;
+        case coltab::Kind::blob:
+          EXPECT_EQ(found->type, ColumnType::blob) << one.class_name << " " << column.name;
+          break;
       }
     }
   }
@@ -246,7 +275,7 @@ TEST(revisions, hold_the_mark_of_absence_before_a_read) {
   EXPECT_EQ(RSOBJREVForApprove(nullptr).revision, -300);
   EXPECT_EQ(RSOBJREVWithVersion(nullptr).revision, -300);
   EXPECT_EQ(RSOBJREV_Minimum(nullptr).revision, -300);
-  EXPECT_EQ(RSFullRevisionInfo(nullptr).revision, -300);
+  EXPECT_EQ(RSFullRevisionInfo(nullptr, 0).revision, -300);
 }
 
 TEST(profile_lists, open_with_these_statements) {

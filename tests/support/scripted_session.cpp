@@ -1,6 +1,7 @@
 #include "tests/support/scripted_session.h"
 
 #include <algorithm>
+#include <cstring>
 
 #include "spcbase/platform/database/db_exception.h"
 #include "spcbase/platform/database/moment_text.h"
@@ -131,6 +132,16 @@ Script& Script::column_sizes_zero() {
   return *this;
 }
 
+Script& Script::refuse_streaming(spcdb::Diagnostic diagnostic) {
+  no_streaming_ = std::move(diagnostic);
+  return *this;
+}
+
+Script& Script::long_lengths_unknown() {
+  long_lengths_unknown_ = true;
+  return *this;
+}
+
 Script& Script::link_is_dead(bool dead) {
   link_is_dead_ = dead;
   return *this;
@@ -207,6 +218,10 @@ std::string text_of(const spcdb::Parameter& parameter) {
       return text;
     case ValueKind::moment:
       return quoted(moment_text(parameter.moment));
+    case ValueKind::bytes:
+      return std::to_string(parameter.text.size()) + " bytes";
+    case ValueKind::long_bytes:
+      return std::to_string(parameter.text.size()) + " bytes in pieces";
     case ValueKind::text:
       break;
   }
@@ -289,15 +304,44 @@ class ScriptedStatement final : public spcdb::Statement {
       spcdb::refuse_value(rule_->columns_[column], "22007", "a moment");
     return true;
   }
+  bool bytes(unsigned column, std::string_view& value) override {
+    if (real_open_) return real_->bytes(column, value);
+    if (!answered_bytes(column, value)) return false;
+    const int room = column < bindings_.size() ? bindings_[column].size_bytes : 0;
+    if (room > 0 && value.size() > static_cast<std::size_t>(room))
+      spcdb::refuse_size(rule_->columns_[column], value.size(), room);
+    return true;
+  }
+  bool long_length(unsigned column, std::int64_t& length) override {
+    if (real_open_) return real_->long_length(column, length);
+    std::string_view value;
+    long_offset_ = 0;
+    if (!answered_bytes(column, value)) return false;
+    length = script_.long_lengths_unknown_ ? -1 : static_cast<std::int64_t>(value.size());
+    return true;
+  }
+  std::size_t read_long(unsigned column, std::span<std::byte> piece) override {
+    if (real_open_) return real_->read_long(column, piece);
+    const std::string_view value = texts_.at(column);
+    const auto taken = std::min(piece.size(), value.size() - long_offset_);
+    std::memcpy(piece.data(), value.data() + long_offset_, taken);
+    long_offset_ += taken;
+    return taken;
+  }
 
   void bind_columns(std::span<const spcdb::ColumnBinding> columns) override {
     bindings_.assign(columns.begin(), columns.end());
+    for (const auto& column : columns) {
+      if (column.kind == ValueKind::bytes) script_.see("bind_bytes", sql_, std::to_string(column.size_bytes));
+      if (column.kind == ValueKind::long_bytes) script_.see("bind_bytes", sql_, "0");
+    }
     if (real_) real_->bind_columns(columns);
   }
 
   void execute(std::span<const spcdb::Parameter> parameters) override {
     script_.see("execute", sql_, text_of(parameters));
     close_quietly();
+    refuse_streaming(parameters);
     rule_ = script_.find(sql_);
     if (rule_ != nullptr && rule_->left_ != std::numeric_limits<std::size_t>::max()) --rule_->left_;
     if (is_real()) {
@@ -346,6 +390,21 @@ class ScriptedStatement final : public spcdb::Statement {
   bool is_real() const {
     return rule_ == nullptr || rule_->action_ == Rule::Action::pass || rule_->action_ == Rule::Action::alter;
   }
+  /// A driver that cannot send or give a value in pieces.
+  void refuse_streaming(std::span<const spcdb::Parameter> parameters) const {
+    if (!script_.no_streaming_) return;
+    const auto is_long = [](const auto& one) { return one.kind == ValueKind::long_bytes; };
+    if (std::any_of(parameters.begin(), parameters.end(), is_long) ||
+        std::any_of(bindings_.begin(), bindings_.end(), is_long))
+      spcdb::raise(*script_.no_streaming_);
+  }
+  bool answered_bytes(unsigned column, std::string_view& value) {
+    if (is_null(column)) return false;
+    texts_.resize(rule_->columns_.size());
+    texts_[column] = text_of(cell(column));
+    value = texts_[column];
+    return true;
+  }
   bool is_null(unsigned column) const { return std::holds_alternative<std::nullptr_t>(cell(column)); }
   const Cell& cell(unsigned column) const {
     if (rule_ == nullptr || next_row_ == 0 || next_row_ > rule_->rows_.size() ||
@@ -383,6 +442,7 @@ class ScriptedStatement final : public spcdb::Statement {
   std::int64_t affected_ = -1;
   std::size_t next_row_ = std::numeric_limits<std::size_t>::max();
   std::vector<std::string> texts_;
+  std::size_t long_offset_ = 0;
 };
 
 ScriptedSession::ScriptedSession(std::shared_ptr<Script> script, std::unique_ptr<spcdb::Session> real)

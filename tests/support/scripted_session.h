@@ -76,9 +76,11 @@ class Rule {
 
 /// One call that the session saw.
 struct SeenCall {
-  std::string function;    ///< prepare, execute, fetch, close, describe, run, begin, commit, rollback, information, ...
+  std::string function;    ///< prepare, bind_bytes, execute, fetch, close, describe, run, begin, commit, rollback,
+                           ///< information, ...
   std::string statement;   ///< empty when the call has none
-  std::string parameters;  ///< of execute, as literals parted by ", "; of information the number of the question
+  std::string parameters;  ///< of execute, as literals parted by ", "; of information the number of the question;
+                           ///< of bind_bytes the buffer's size, 0 for a column read in pieces
 
   friend bool operator==(const SeenCall&, const SeenCall&) = default;
 };
@@ -102,6 +104,10 @@ class Script {
   Script& quotes(char open, char close);
   Script& information(unsigned short type, short return_code, std::uint32_t value = 0);
   Script& column_sizes_zero();
+  /// Whatever reads or writes long data in pieces fails when it is executed.
+  Script& refuse_streaming(spcdb::Diagnostic diagnostic);
+  /// Answers do not tell how long they are when they are read in pieces.
+  Script& long_lengths_unknown();
   Script& link_is_dead(bool dead);
   Script& server(std::string description);
   Script& key(const std::string& table, std::vector<std::string> columns);
@@ -136,6 +142,8 @@ class Script {
   std::optional<std::pair<char, char>> quotes_;
   std::map<unsigned short, std::pair<short, std::uint32_t>> information_;
   bool column_sizes_zero_ = false;
+  std::optional<spcdb::Diagnostic> no_streaming_;
+  bool long_lengths_unknown_ = false;
   std::optional<bool> link_is_dead_;
   std::optional<std::string> server_;
   std::map<std::string, std::vector<std::string>> keys_;

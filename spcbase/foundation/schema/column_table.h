@@ -27,7 +27,7 @@
 namespace coltab {
 
 /// How a column is exchanged.
-enum class Kind : unsigned char { number, text, moment, real };
+enum class Kind : unsigned char { number, text, moment, real, blob };
 
 /// One column and the member it is exchanged with. The member's type decides the kind.
 template <class Owner, class Value>
@@ -55,6 +55,18 @@ template <class Owner, class Value>
 constexpr Column<Owner, Value> key(const char* name, Value Owner::*member, int width_chars = 0) {
   return {name, member, width_chars, true};
 }
+
+/// The blob column of a class that derives from SingleBlobColumnRecordset, which has the field.
+struct BlobColumn {
+  const char* name;
+
+  static constexpr Kind kind = Kind::blob;
+  static constexpr int width_chars = 0;
+  static constexpr bool is_key = false;
+};
+
+/// The last column of a table.
+constexpr BlobColumn blob(const char* name) { return {name}; }
 
 /// The columns of a class, in order.
 template <class... Columns>
@@ -89,15 +101,20 @@ inline void exchange_value(CFieldExchange* exchange, const char* name, double& v
   RFX_Double(exchange, name, value);
 }
 
+template <class Base, class Derived, class Value>
+inline void exchange_column(Derived& owner, const Column<Base, Value>& column, CFieldExchange* exchange) {
+  exchange_value(exchange, column.name, owner.*(column.member), column.width_chars);
+}
+template <class Owner>
+inline void exchange_column(Owner& owner, const BlobColumn&, CFieldExchange* exchange) {
+  owner.exchange_blob(exchange);
+}
+
 /// Exchanges every column of a table. `columns` is a constant, so this becomes plain calls.
 template <class Owner, class... Columns>
 inline void exchange_all(Owner& owner, const std::tuple<Columns...>& columns, CFieldExchange* exchange, UINT type) {
   exchange->SetFieldType(type);
-  std::apply(
-      [&](const auto&... column) {
-        (exchange_value(exchange, column.name, owner.*(column.member), column.width_chars), ...);
-      },
-      columns);
+  std::apply([&](const auto&... column) { (exchange_column(owner, column, exchange), ...); }, columns);
 }
 
 }  // namespace coltab

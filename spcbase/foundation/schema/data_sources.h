@@ -3,12 +3,12 @@
 /// Part of the database foundation: the schema's recordsets.
 #pragma once
 
-#include "spcbase/foundation/schema/column_table.h"
+#include "spcbase/foundation/blob.h"
 
-/// A stored connection without its definition: the blob column DATA is not exchanged here. `flg1` tells its kind.
-class RSExtDB : public TableRecordset<RSExtDB> {
+/// A stored connection and its definition. `flg1` tells its kind.
+class RSExtDB : public SingleBlobColumnRecordset<RSExtDB> {
  public:
-  using TableRecordset::TableRecordset;
+  using SingleBlobColumnRecordset::SingleBlobColumnRecordset;
 
   long exdbid = 0;
   CString name;
@@ -20,11 +20,11 @@ class RSExtDB : public TableRecordset<RSExtDB> {
   CString vflg;
 
   static constexpr const char* source = "[CSEXDB]";
-  static constexpr auto columns =
-      coltab::table(coltab::key("[EXDBID]", &RSExtDB::exdbid), coltab::field("[NAME]", &RSExtDB::name, 255),
-                    coltab::field("[DESCR]", &RSExtDB::descr, 255), coltab::field("[TYPE]", &RSExtDB::type, 255),
-                    coltab::field("[FLG1]", &RSExtDB::flg1), coltab::field("[FLG2]", &RSExtDB::flg2),
-                    coltab::field("[MTIME]", &RSExtDB::mtime), coltab::field("[VFLG]", &RSExtDB::vflg, 255));
+  static constexpr auto columns = coltab::table(
+      coltab::key("[EXDBID]", &RSExtDB::exdbid), coltab::field("[NAME]", &RSExtDB::name, 255),
+      coltab::field("[DESCR]", &RSExtDB::descr, 255), coltab::field("[TYPE]", &RSExtDB::type, 255),
+      coltab::field("[FLG1]", &RSExtDB::flg1), coltab::field("[FLG2]", &RSExtDB::flg2),
+      coltab::field("[MTIME]", &RSExtDB::mtime), coltab::field("[VFLG]", &RSExtDB::vflg, 255), coltab::blob("[DATA]"));
 };
 
 /// What marks a stored connection as deleted.

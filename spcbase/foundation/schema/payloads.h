@@ -1,40 +1,39 @@
-/// The payloads of monitors and profiles. Their blob columns are not exchanged here: the classes tell whether a row is
-/// there.
+/// The payloads of monitors and profiles.
 ///
 /// Part of the database foundation: the schema's recordsets.
 #pragma once
 
-#include "spcbase/foundation/schema/column_table.h"
+#include "spcbase/foundation/blob.h"
 
-/// The row of a monitor's options, without the blob OPTVAL.
-class RSMOPB : public TableRecordset<RSMOPB> {
+/// A monitor's data.
+class RSMOPB : public SingleBlobColumnRecordset<RSMOPB> {
  public:
-  using TableRecordset::TableRecordset;
+  using SingleBlobColumnRecordset::SingleBlobColumnRecordset;
 
   long monid = 0;
 
   static constexpr const char* source = "[CSMOPB]";
-  static constexpr auto columns = coltab::table(coltab::key("[MONID]", &RSMOPB::monid));
+  static constexpr auto columns = coltab::table(coltab::key("[MONID]", &RSMOPB::monid), coltab::blob("[OPTVAL]"));
 };
 
-/// The row of a profile's options, without the blob OPTVAL.
-class RSPOPB : public TableRecordset<RSPOPB> {
+/// A profile's data.
+class RSPOPB : public SingleBlobColumnRecordset<RSPOPB> {
  public:
-  using TableRecordset::TableRecordset;
+  using SingleBlobColumnRecordset::SingleBlobColumnRecordset;
 
   long profid = 0;
 
   static constexpr const char* source = "[CSPOPB]";
-  static constexpr auto columns = coltab::table(coltab::key("[PROFID]", &RSPOPB::profid));
+  static constexpr auto columns = coltab::table(coltab::key("[PROFID]", &RSPOPB::profid), coltab::blob("[OPTVAL]"));
 };
 
-/// The row of a monitor's extra data, without the blob DATA.
-class RSMEXT : public TableRecordset<RSMEXT> {
+/// A monitor's extra data, a text.
+class RSMEXT : public SingleBlobColumnRecordset<RSMEXT> {
  public:
-  using TableRecordset::TableRecordset;
+  using SingleBlobColumnRecordset::SingleBlobColumnRecordset;
 
   long monid = 0;
 
   static constexpr const char* source = "[CSMEXT]";
-  static constexpr auto columns = coltab::table(coltab::key("[MONID]", &RSMEXT::monid));
+  static constexpr auto columns = coltab::table(coltab::key("[MONID]", &RSMEXT::monid), coltab::blob("[DATA]"));
 };

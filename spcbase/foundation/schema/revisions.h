@@ -3,7 +3,7 @@
 /// Part of the database foundation: the schema's recordsets. A revision of -300 in a field means that none was read.
 #pragma once
 
-#include "spcbase/foundation/schema/column_table.h"
+#include "spcbase/foundation/blob.h"
 
 /// A whole revision without its payload.
 class RSOBJREV : public TableRecordset<RSOBJREV> {
@@ -131,21 +131,21 @@ class RSOBJREV_Minimum : public TableRecordset<RSOBJREV_Minimum> {
       coltab::field("[OBJTYPE]", &RSOBJREV_Minimum::objtype), coltab::field("[REVISION]", &RSOBJREV_Minimum::revision));
 };
 
-/// The row of a revision's payload, without the blob DATA.
-class RSOBJDAT : public TableRecordset<RSOBJDAT> {
+/// A revision's payload.
+class RSOBJDAT : public SingleBlobColumnRecordset<RSOBJDAT> {
  public:
-  using TableRecordset::TableRecordset;
+  using SingleBlobColumnRecordset::SingleBlobColumnRecordset;
 
   long revid = 0;
 
   static constexpr const char* source = "[CSREVDAT]";
-  static constexpr auto columns = coltab::table(coltab::key("[REVID]", &RSOBJDAT::revid));
+  static constexpr auto columns = coltab::table(coltab::key("[REVID]", &RSOBJDAT::revid), coltab::blob("[DATA]"));
 };
 
-/// A revision joined with its payload's row, without the blob DATA. For reading only.
-class RSFullRevisionInfo : public TableRecordset<RSFullRevisionInfo> {
+/// A revision joined with its payload. For reading only.
+class RSFullRevisionInfo : public SingleBlobColumnRecordset<RSFullRevisionInfo> {
  public:
-  using TableRecordset::TableRecordset;
+  using SingleBlobColumnRecordset::SingleBlobColumnRecordset;
 
   long revid = 0;
   long objid = 0;
@@ -178,5 +178,5 @@ class RSFullRevisionInfo : public TableRecordset<RSFullRevisionInfo> {
       coltab::field("[ALEVEL]", &RSFullRevisionInfo::alevel), coltab::field("[ATYPE]", &RSFullRevisionInfo::atype),
       coltab::field("[ATIME]", &RSFullRevisionInfo::atime), coltab::field("[AUSERID]", &RSFullRevisionInfo::auserid),
       coltab::field("[AUSER]", &RSFullRevisionInfo::auser, 255),
-      coltab::field("[AREASON]", &RSFullRevisionInfo::areason, 4000));
+      coltab::field("[AREASON]", &RSFullRevisionInfo::areason, 4000), coltab::blob("[DATA]"));
 };

@@ -1,8 +1,11 @@
 #include "spcbase/platform/database/field_exchange.h"
 
+#include <cstring>
 #include <limits>
 
+#include "spcbase/platform/database/long_binary.h"
 #include "spcbase/platform/database/recordset_core.h"
+#include "spcbase/platform/system/byte_array.h"
 
 namespace spcdb {
 
@@ -13,12 +16,12 @@ void RecordsetCore::name_column(CFieldExchange& exchange, std::string_view name,
   text += name;
 }
 
-void RecordsetCore::bind_column(void* address, ValueKind kind, int width_chars) {
+void RecordsetCore::bind_column(void* address, ValueKind kind, int width_chars, int size_bytes) {
   Field field;
   field.address = address;
   field.kind = kind;
   fields_.push_back(field);
-  connection().scratch().columns.push_back({kind, width_chars});
+  connection().scratch().columns.push_back({kind, width_chars, size_bytes});
 }
 
 void RecordsetCore::bind_parameter(std::string_view name, const Parameter& value) {
@@ -66,6 +69,13 @@ Parameter value_of_member(ValueKind kind, const void* member) {
       return Parameter::of_real(*static_cast<const double*>(member));
     case ValueKind::text:
       return Parameter::of_text(static_cast<const CString*>(member)->view());
+    case ValueKind::bytes: {
+      const auto& array = *static_cast<const CByteArray*>(member);
+      return Parameter::of_bytes(
+          {reinterpret_cast<const char*>(array.GetData()), static_cast<std::size_t>(array.GetSize())});
+    }
+    case ValueKind::long_bytes:
+      return Parameter::of_long_bytes({});  // its block is locked where it is sent
     case ValueKind::moment:
       break;
   }
@@ -117,3 +127,31 @@ void RFX_Double(CFieldExchange* exchange, const char* name, double& value) {
     return has_value;
   });
 }
+
+void RFX_LongBinary(CFieldExchange* exchange, const char* name, CLongBinary& value) {
+  if (exchange == nullptr || name == nullptr) AfxThrowInvalidArgException();
+  auto& core = exchange->m_prs->core();
+  spcdb::exchange_column(*exchange, name, ValueKind::long_bytes, 0, &value,
+                         [&](Row&, unsigned position) { return core.fetch_long(position, value); });
+}
+
+namespace spcdb {
+
+void exchange_bytes(CFieldExchange* exchange, const char* name, CByteArray& value, int maximum_size) {
+  if (exchange == nullptr || name == nullptr || maximum_size < 1) AfxThrowInvalidArgException();
+  const bool is_column = exchange->IsFieldType(CFieldExchange::outputColumn) != FALSE;
+  if (is_column && exchange->m_nOperation == CFieldExchange::BindFieldToColumn)
+    return exchange->m_prs->core().bind_bytes(value, maximum_size);
+  exchange_column(*exchange, name, ValueKind::bytes, 0, &value, [&](Row& row, unsigned position) {
+    std::string_view fetched;
+    if (!row.bytes(position, fetched)) {
+      mark_null(value);
+      return false;
+    }
+    value.SetSize(static_cast<INT_PTR>(fetched.size()));
+    if (!fetched.empty()) std::memcpy(value.GetData(), fetched.data(), fetched.size());
+    return true;
+  });
+}
+
+}  // namespace spcdb

@@ -18,6 +18,8 @@
 #include "spcbase/platform/system/types.h"
 #include "spcbase/platform/text/cstring.h"
 
+class CByteArray;
+class CLongBinary;
 class CRecordset;
 
 namespace spcdb {
@@ -67,3 +69,21 @@ SPCBASE_API void RFX_Text(CFieldExchange* exchange, const char* name, CString& v
 SPCBASE_API void RFX_Date(CFieldExchange* exchange, const char* name, TIMESTAMP_STRUCT& value);
 /// A double, to the last bit.
 SPCBASE_API void RFX_Double(CFieldExchange* exchange, const char* name, double& value);
+/// Long data, read and written in pieces. They are read when a row becomes current and are not kept twice: behind
+/// CancelUpdate, or an Update that followed AddNew, the holder has what was put into it. Nothing compares them, so
+/// after Edit only SetFieldDirty makes them count as changed; SetFieldNull makes them null and does not mark them. A
+/// null frees the holder's block; a value without bytes that is no null has no block either. Fails:
+/// CInvalidArgException* for a null exchange or name, or a length beyond the block; CMemoryException*;
+/// AFX_SQL_ERROR_ILLEGAL_MODE when a recordset that is not forwardOnly moves and its table has no key.
+SPCBASE_API void RFX_LongBinary(CFieldExchange* exchange, const char* name, CLongBinary& value);
+
+namespace spcdb {
+
+/// Bytes through a buffer that is bound to the column, for drivers that cannot read or write in pieces. The buffer has
+/// the size that the driver reports for the column, but `maximum_size` where that is greater, or 0 for unknown. A
+/// longer value that is read is a failure with AFX_SQL_ERROR_DATA_TRUNCATED. A null shows as one byte, 0xFF; what was
+/// put into the array is found by comparing. Fails: CInvalidArgException* for a null exchange or name, or a size
+/// below 1.
+SPCBASE_API void exchange_bytes(CFieldExchange* exchange, const char* name, CByteArray& value, int maximum_size);
+
+}  // namespace spcdb

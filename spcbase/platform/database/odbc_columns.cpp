@@ -30,13 +30,20 @@ SQLSMALLINT c_type(ValueKind kind) noexcept {
       return SQL_C_DOUBLE;
     case ValueKind::moment:
       return SQL_C_TYPE_TIMESTAMP;
+    case ValueKind::bytes:
+    case ValueKind::long_bytes:
+      return SQL_C_BINARY;
     case ValueKind::text:
       break;
   }
   return SQL_C_CHAR;
 }
 
+bool is_bytes(ValueKind kind) noexcept { return kind == ValueKind::bytes || kind == ValueKind::long_bytes; }
+
 std::size_t stride_of(const OdbcColumn& column) noexcept {
+  if (column.held == ValueKind::bytes) return static_cast<std::size_t>(std::max(column.size_bytes, 1));
+  if (column.held == ValueKind::long_bytes) return 0;
   if (column.held == ValueKind::text)
     return column.wanted == ValueKind::text ? text_bytes(column.width_chars) : number_bytes;
   return column.held == ValueKind::moment ? sizeof(SQL_TIMESTAMP_STRUCT) : sizeof(std::int64_t);
@@ -88,7 +95,8 @@ void OdbcStatement::bind_columns(std::span<const ColumnBinding> columns) {
   for (unsigned i = 0; i < columns.size(); ++i) {
     auto& column = columns_[i];
     column.wanted = columns[i].kind;
-    column.held = kinds_[i];
+    column.held = is_bytes(column.wanted) ? column.wanted : kinds_[i];
+    column.size_bytes = columns[i].size_bytes;
     column.width_chars = columns[i].width_chars;
     if (column.wanted == ValueKind::text && column.width_chars <= 0) {
       const auto size = infos_[i].precision;
@@ -112,6 +120,9 @@ void OdbcStatement::bind_arrays() {
     row_bytes += column.stride + sizeof(SQLLEN);
   }
   rows_per_block_ = std::clamp<SQLULEN>(block_bytes / std::max<std::size_t>(row_bytes, 1), 1, most_rows_of_block);
+  // Long data are read of the one row on which the cursor stands.
+  const auto is_long = [](const OdbcColumn& column) { return column.held == ValueKind::long_bytes; };
+  if (std::any_of(columns_.begin(), columns_.end(), is_long)) rows_per_block_ = 1;
   row_status_.assign(rows_per_block_, SQL_ROW_SUCCESS);
   session_.gate().release("SQLFreeStmt");
   SQLFreeStmt(handle_, SQL_UNBIND);
@@ -124,8 +135,9 @@ void OdbcStatement::bind_arrays() {
   SQLUSMALLINT number = 0;
   for (auto& column : columns_) {
     ++number;
+    if (is_long(column)) continue;
     // One byte to spare: a driver may fill a text's place to the last one and end it behind that.
-    column.bytes = std::make_unique<std::byte[]>(column.stride * rows_per_block_ + 1);
+    column.bytes = std::make_unique_for_overwrite<std::byte[]>(column.stride * rows_per_block_ + 1);
     column.indicators = std::make_unique<SQLLEN[]>(rows_per_block_);
     checked("SQLBindCol", [&] {
       return SQLBindCol(handle_, number, c_type(column.held), column.bytes.get(), static_cast<SQLLEN>(column.stride),
@@ -138,6 +150,8 @@ OdbcColumn* OdbcStatement::find(unsigned column, SQLLEN& length) {
   if (!has_row_ || column >= columns_.size()) [[unlikely]]
     refuse_column(column);
   auto& place = columns_[column];
+  if (place.held == ValueKind::long_bytes) [[unlikely]]
+    raise(AFX_SQL_ERROR_FIELD_SCHEMA_MISMATCH, "07006", "The column " + name_of(column) + " is read in pieces.");
   length = place.indicators[row_];
   return length == SQL_NULL_DATA ? nullptr : &place;
 }
@@ -175,6 +189,8 @@ bool OdbcStatement::integer(unsigned column, std::int64_t& value) {
       whole = read_whole(held_text(column, *place, length), value);
       break;
     case ValueKind::moment:
+    case ValueKind::bytes:
+    case ValueKind::long_bytes:
       break;
   }
   if (whole != Whole::yes) refuse_whole(name_of(column), whole);
@@ -196,6 +212,8 @@ bool OdbcStatement::real(unsigned column, double& value) {
       if (read_real(held_text(column, *place, length), value)) return true;
       break;
     case ValueKind::moment:
+    case ValueKind::bytes:
+    case ValueKind::long_bytes:
       break;
   }
   refuse_value(name_of(column), "22018", "a number");
@@ -224,6 +242,9 @@ bool OdbcStatement::text(unsigned column, std::string_view& value) {
       place->number_text.assign(text.data(), text.size());
       break;
     }
+    case ValueKind::bytes:
+    case ValueKind::long_bytes:
+      refuse_value(name_of(column), "07006", "read as a text");
   }
   if (place->wanted == ValueKind::text && is_wider(place->number_text, place->width_chars))
     refuse_width(name_of(column), place->width_chars);

@@ -65,7 +65,7 @@ class OdbcSession final : public Session {
     if (gate_.refused(function)) [[unlikely]]
       refuse();
     const SQLRETURN code = call();
-    if (!SQL_SUCCEEDED(code) && code != SQL_NO_DATA) [[unlikely]]
+    if (!SQL_SUCCEEDED(code) && code != SQL_NO_DATA && code != SQL_NEED_DATA) [[unlikely]]
       fail(handle_type, handle, code);
     return code;
   }

@@ -76,7 +76,8 @@ void OdbcStatement::execute(std::span<const Parameter> parameters) {
   for (std::size_t i = 0; i < parameters.size(); ++i)
     give(static_cast<SQLUSMALLINT>(i + 1), parameters_[i], parameters[i]);
   if (columns_in_result_ != 0 && columns_.empty()) bind_as_described();
-  const auto code = checked("SQLExecute", [&] { return SQLExecute(handle_); });
+  auto code = checked("SQLExecute", [&] { return SQLExecute(handle_); });
+  if (code == SQL_NEED_DATA) code = send_pieces();
   if (columns_in_result_ != 0) {
     cursor_open_ = true;
     row_ = rows_in_block_ = rows_per_block_;
@@ -101,6 +102,7 @@ void OdbcStatement::give(SQLUSMALLINT position, OdbcParameter& place, const Para
     place.kind = value.kind;
     place.bound = false;
   }
+  if (value.kind == ValueKind::bytes || value.kind == ValueKind::long_bytes) return give_bytes(position, place, value);
   place.indicator = 0;
   if (value.is_null) {
     place.indicator = SQL_NULL_DATA;
@@ -122,6 +124,9 @@ void OdbcStatement::give(SQLUSMALLINT position, OdbcParameter& place, const Para
         if (!is_moment(value.moment)) refuse_moment();
         place.moment = to_milliseconds(value.moment);
         break;
+      case ValueKind::bytes:
+      case ValueKind::long_bytes:
+        break;  // give_bytes
     }
   }
   if (!place.bound) [[unlikely]]
@@ -162,6 +167,9 @@ void OdbcStatement::bind_parameter(SQLUSMALLINT position, OdbcParameter& place) 
     case ValueKind::moment:
       bind(SQL_C_TYPE_TIMESTAMP, SQL_TYPE_TIMESTAMP, moment_size, moment_digits, &place.moment, sizeof place.moment);
       break;
+    case ValueKind::bytes:
+    case ValueKind::long_bytes:
+      break;  // give_bytes
   }
   place.bound = true;
 }

@@ -8,7 +8,7 @@
 namespace spcdb {
 
 /// The value of one `?`, in a place that the driver knows. Bound once; anew only when the kind changes or a text
-/// outgrows its place.
+/// outgrows its place; for bytes each time.
 struct OdbcParameter {
   ValueKind kind = ValueKind::integer;
   bool bound = false;
@@ -24,6 +24,7 @@ struct OdbcColumn {
   ValueKind wanted = ValueKind::integer;
   ValueKind held = ValueKind::integer;  ///< what the driver is asked for: its conversions are not to be trusted
   int width_chars = 0;
+  int size_bytes = 0;
   std::size_t stride = 0;  ///< bytes of one value
   std::unique_ptr<std::byte[]> bytes;
   std::unique_ptr<SQLLEN[]> indicators;
@@ -48,6 +49,9 @@ class OdbcStatement final : public Statement {
   bool real(unsigned column, double& value) override;
   bool text(unsigned column, std::string_view& value) override;
   bool moment(unsigned column, TIMESTAMP_STRUCT& value) override;
+  bool bytes(unsigned column, std::string_view& value) override;
+  bool long_length(unsigned column, std::int64_t& length) override;
+  std::size_t read_long(unsigned column, std::span<std::byte> piece) override;
 
   void bind_columns(std::span<const ColumnBinding> columns) override;
   void execute(std::span<const Parameter> parameters) override;
@@ -66,6 +70,10 @@ class OdbcStatement final : public Statement {
   void give(SQLUSMALLINT position, OdbcParameter& place, const Parameter& value);
   static void give_text(OdbcParameter& place, std::string_view text);
   void bind_parameter(SQLUSMALLINT position, OdbcParameter& place);
+  void give_bytes(SQLUSMALLINT position, OdbcParameter& place, const Parameter& value);
+  SQLRETURN send_pieces();
+  OdbcColumn& long_column(unsigned column);
+  SQLRETURN get_data(unsigned column, std::span<std::byte> piece, SQLLEN& left);
   void apply_timeout();
   ColumnInfo ask_column(unsigned column);
   ValueKind kind_of_column(unsigned column);

@@ -9,9 +9,11 @@
 #include <vector>
 
 #include "spcbase/platform/database/connection.h"
+#include "spcbase/platform/database/long_binary.h"
 #include "spcbase/platform/database/recordset.h"
 #include "spcbase/platform/database/row_buffer.h"
 #include "spcbase/platform/database/watch.h"
+#include "spcbase/platform/system/byte_array.h"
 
 namespace spcdb {
 
@@ -26,6 +28,26 @@ struct Field {
 
 /// A data member's value on its way to the server. A text is not copied.
 Parameter value_of_member(ValueKind kind, const void* member);
+
+/// Frees a holder's block.
+void release_long(CLongBinary& value) noexcept;
+/// Makes an array show a null, and tells whether it still does.
+void mark_null(CByteArray& value);
+bool is_null_mark(const CByteArray& value);
+
+/// The blocks of long data that are on their way to the server, locked for that time.
+class LongParameters {
+ public:
+  LongParameters() = default;
+  ~LongParameters();
+  LongParameters(const LongParameters&) = delete;
+  LongParameters& operator=(const LongParameters&) = delete;
+
+  Parameter value(const CLongBinary& holder, std::string_view table, std::string_view column);
+
+ private:
+  std::vector<HGLOBAL> locked_;
+};
 
 class RecordsetCore {
  public:
@@ -59,7 +81,9 @@ class RecordsetCore {
 
   // The side of the RFX_ functions.
   void name_column(CFieldExchange& exchange, std::string_view name, ValueKind kind);
-  void bind_column(void* address, ValueKind kind, int width_chars);
+  void bind_column(void* address, ValueKind kind, int width_chars, int size_bytes = 0);
+  void bind_bytes(CByteArray& value, int maximum_size);
+  bool fetch_long(unsigned position, CLongBinary& value);
   void bind_parameter(std::string_view name, const Parameter& value);
   Row& row() { return *row_; }
   Field& field(unsigned position) { return fields_[position]; }
@@ -106,6 +130,7 @@ class RecordsetCore {
   void read_rows(StatementWatch& watch);
   void exchange(UINT operation);
   void fix_up();
+  void show_row_again();
   void set_position(bool has_row);
   void to_row(std::size_t row);
   void move_forward(long rows, WORD fetch_type);
@@ -121,6 +146,10 @@ class RecordsetCore {
   bool fetch_forward();
   void next_page();
 
+  // recordset_long.cpp
+  bool fetch_long_by_key(unsigned position, CLongBinary& value);
+  void take_row_with_long_data();
+
   // recordset_edit.cpp
   Field* find(const void* address);
   template <class Act>
@@ -131,6 +160,7 @@ class RecordsetCore {
   bool holds_unset(const Field& field) const;
   bool null_now(const Field& field) const { return field.is_null && (mode_ == Mode::reading || holds_unset(field)); }
   Parameter member_value(const Field& field) const;
+  void add_value(unsigned position, LongParameters& blocks);
   std::string_view bare_name(unsigned position) const;
   bool write_insert();
   bool write_update();
@@ -163,6 +193,8 @@ class RecordsetCore {
   KeptStatement* kept_ = nullptr;  ///< while reading forward, or opening
   RowBuffer rows_;
   Row* row_ = nullptr;
+  bool has_long_data_ = false;
+  bool fetches_long_ = true;  ///< a row that becomes current brings its long data; one that is shown again does not
   std::size_t position_ = 0;
   long record_count_ = 0;
 };

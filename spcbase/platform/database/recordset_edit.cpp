@@ -28,6 +28,8 @@ bool same_value(const Parameter& a, const Parameter& b) {
     case ValueKind::real:
       return std::bit_cast<std::uint64_t>(a.real) == std::bit_cast<std::uint64_t>(b.real);
     case ValueKind::text:
+    case ValueKind::bytes:
+    case ValueKind::long_bytes:
       return a.text == b.text;
     case ValueKind::moment:
       break;
@@ -50,7 +52,19 @@ void clear_member(const Field& field) {
     case ValueKind::moment:
       *static_cast<TIMESTAMP_STRUCT*>(field.address) = {};
       break;
+    case ValueKind::bytes:
+      static_cast<CByteArray*>(field.address)->SetSize(0);
+      break;
+    case ValueKind::long_bytes:
+      release_long(*static_cast<CLongBinary*>(field.address));
+      break;
   }
+}
+
+/// Makes a member show a null outside of an edit.
+void show_null(const Field& field) {
+  if (field.kind == ValueKind::bytes) return mark_null(*static_cast<CByteArray*>(field.address));
+  clear_member(field);
 }
 
 /// Puts the value that stands for "not set" into a member.
@@ -67,6 +81,10 @@ void unset_member(const Field& field) {
       break;
     case ValueKind::moment:
       *static_cast<TIMESTAMP_STRUCT*>(field.address) = unset_moment;
+      break;
+    case ValueKind::bytes:
+    case ValueKind::long_bytes:
+      show_null(field);
       break;
   }
 }
@@ -87,6 +105,10 @@ bool RecordsetCore::holds_unset(const Field& field) const {
       return std::bit_cast<std::uint64_t>(*static_cast<const double*>(field.address)) == unset_double;
     case ValueKind::text:
       return !CStringAssignment::test(*static_cast<const CString*>(field.address));
+    case ValueKind::bytes:
+      return is_null_mark(*static_cast<const CByteArray*>(field.address));
+    case ValueKind::long_bytes:
+      return static_cast<const CLongBinary*>(field.address)->m_dwDataLength == 0;
     case ValueKind::moment:
       break;
   }
@@ -102,6 +124,7 @@ bool RecordsetCore::changed(unsigned position) {
   if (field.touched) return true;
   if (field.kept) return false;
   if (mode_ == Mode::adding) return !null_now(field);
+  if (field.kind == ValueKind::long_bytes) return false;
   return mode_ == Mode::editing && !same_value(member_value(field), rows_.value(position));
 }
 
@@ -150,10 +173,10 @@ void RecordsetCore::edit() {
 /// The members show the current row again, or nothing where there is none.
 void RecordsetCore::end_edit() {
   mode_ = Mode::reading;
-  if (!recordset_.m_bEOF && !recordset_.m_bBOF && !recordset_.deleted_) return fix_up();
+  if (!recordset_.m_bEOF && !recordset_.m_bBOF && !recordset_.deleted_) return show_row_again();
   for (auto& field : fields_) {
     field.is_null = true;
-    clear_member(field);
+    show_null(field);
   }
 }
 
@@ -187,7 +210,16 @@ std::string_view RecordsetCore::bare_name(unsigned position) const {
   return name.substr(start);
 }
 
+void RecordsetCore::add_value(unsigned position, LongParameters& blocks) {
+  const Field& field = fields_[position];
+  auto value = member_value(field);
+  if (field.kind == ValueKind::long_bytes && !value.is_null)
+    value = blocks.value(*static_cast<const CLongBinary*>(field.address), source_, columns_.back());
+  connection().scratch().parameters.push_back(value);
+}
+
 bool RecordsetCore::write_insert() {
+  LongParameters blocks;
   auto& scratch = connection().scratch();
   auto& text = scratch.text;
   scratch.parameters.clear();
@@ -198,7 +230,7 @@ bool RecordsetCore::write_insert() {
     if (!columns_.empty()) text += ',';
     columns_.push_back(bare_name(i));
     text += columns_.back();
-    scratch.parameters.push_back(member_value(fields_[i]));
+    add_value(i, blocks);
   }
   if (columns_.empty()) return false;
   text += ") VALUES (";
@@ -210,6 +242,7 @@ bool RecordsetCore::write_insert() {
 }
 
 bool RecordsetCore::write_update() {
+  LongParameters blocks;
   auto& scratch = connection().scratch();
   scratch.parameters.clear();
   columns_.clear();
@@ -219,7 +252,7 @@ bool RecordsetCore::write_update() {
     if (!columns_.empty()) set += ',';
     columns_.push_back(bare_name(i));
     set.append(columns_.back()).append("=?");
-    scratch.parameters.push_back(member_value(fields_[i]));
+    add_value(i, blocks);
   }
   if (columns_.empty()) return false;
   const auto values = scratch.parameters.size();
@@ -242,7 +275,7 @@ void RecordsetCore::erase() {
   recordset_.deleted_ = true;
   for (auto& field : fields_) {
     field.is_null = true;
-    clear_member(field);
+    show_null(field);
   }
 }
 
@@ -401,12 +434,12 @@ void RecordsetCore::set_null(const void* address, bool null) {
     const bool editing = mode_ != Mode::reading;
     if (null) {
       field.is_null = true;
-      editing ? unset_member(field) : clear_member(field);
+      editing ? unset_member(field) : show_null(field);
     } else {
       if (editing && holds_unset(field)) clear_member(field);
       field.is_null = false;
     }
-    if (editing) {
+    if (editing && field.kind != ValueKind::long_bytes) {
       field.touched = true;
       field.kept = false;
     }

@@ -185,6 +185,8 @@ void RecordsetCore::bind_columns() {
               std::to_string(recordset_.m_nFields) + " and the result has " +
               std::to_string(kept_->statement->column_count()) + ".");
   }
+  has_long_data_ = std::any_of(columns.begin(), columns.end(),
+                               [](const ColumnBinding& column) { return column.kind == ValueKind::long_bytes; });
   if (kept_->bound == columns && !columns.empty()) return;
   kept_->bound.clear();
   kept_->statement->bind_columns(columns);
@@ -228,6 +230,7 @@ void RecordsetCore::read_rows(StatementWatch& watch) {
     return;
   }
   rows_.reset(kept_->bound);
+  if (has_long_data_) take_row_with_long_data();
   while (statement.fetch())
     rows_.take(statement);
   record_count_ = static_cast<long>(rows_.row_count());
@@ -235,7 +238,9 @@ void RecordsetCore::read_rows(StatementWatch& watch) {
   release();
   row_ = &rows_;
   set_position(rows_.row_count() > 0);
-  if (!recordset_.m_bEOF) to_row(0);
+  if (recordset_.m_bEOF) return;
+  rows_.select(0);
+  if (!has_long_data_) fix_up();
 }
 
 void RecordsetCore::set_position(bool has_row) {
@@ -260,6 +265,17 @@ void RecordsetCore::exchange(UINT operation) {
 }
 
 void RecordsetCore::fix_up() { exchange(CFieldExchange::Fixup); }
+
+void RecordsetCore::show_row_again() {
+  fetches_long_ = false;
+  try {
+    fix_up();
+  } catch (...) {
+    fetches_long_ = true;
+    throw;
+  }
+  fetches_long_ = true;
+}
 
 void RecordsetCore::release() noexcept {
   if (kept_ == nullptr) return;

@@ -84,6 +84,9 @@ void RecordsetCore::remember_page_end() {
         key.text = text;
         break;
       }
+      case ValueKind::bytes:
+      case ValueKind::long_bytes:
+        break;  // no key: told below
     }
     if (!has_value)
       raise(AFX_SQL_ERROR_ILLEGAL_MODE, "HY092",

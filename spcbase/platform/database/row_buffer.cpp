@@ -32,6 +32,15 @@ void RowBuffer::take(Row& source) {
       case ValueKind::moment:
         cell->is_null = !source.moment(column, cell->moment);
         break;
+      case ValueKind::bytes: {
+        std::string_view value;
+        cell->is_null = !source.bytes(column, value);
+        cell->text = keep(value);
+        break;
+      }
+      case ValueKind::long_bytes:
+        cell->is_null = true;
+        break;
     }
   }
 }
@@ -54,10 +63,14 @@ void RowBuffer::overwrite(unsigned column, const Parameter& value) {
       target.real = value.real;
       break;
     case ValueKind::text:
+    case ValueKind::bytes:
       target.text = keep(value.text);
       break;
     case ValueKind::moment:
       target.moment = value.moment;
+      break;
+    case ValueKind::long_bytes:
+      target.is_null = true;
       break;
   }
 }
@@ -73,6 +86,10 @@ Parameter RowBuffer::value(unsigned column) const {
       return Parameter::of_real(from.real);
     case ValueKind::text:
       return Parameter::of_text(std::string_view(texts_).substr(from.text.offset, from.text.size));
+    case ValueKind::bytes:
+      return Parameter::of_bytes(std::string_view(texts_).substr(from.text.offset, from.text.size));
+    case ValueKind::long_bytes:
+      return Parameter::null_of(kind);
     case ValueKind::moment:
       break;
   }

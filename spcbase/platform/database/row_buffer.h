@@ -13,7 +13,8 @@
 
 namespace spcdb {
 
-/// Rows taken from a statement. Texts stand in one arena, so that a row costs no allocation of its own.
+/// Rows taken from a statement. Texts and bytes stand in one arena, so that a row costs no allocation of its own. Long
+/// data are not taken.
 class RowBuffer final : public Row {
  public:
   /// Empties the buffer and tells what the columns are.
@@ -33,6 +34,7 @@ class RowBuffer final : public Row {
   bool real(unsigned column, double& value) override;
   bool text(unsigned column, std::string_view& value) override;
   bool moment(unsigned column, TIMESTAMP_STRUCT& value) override;
+  bool bytes(unsigned column, std::string_view& value) override { return text(column, value); }
 
  private:
   struct Text {

@@ -7,6 +7,7 @@
 /// Threads: a session, its statements and their rows belong to one thread at a time.
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <memory>
 #include <span>
@@ -22,16 +23,29 @@
 namespace spcdb {
 
 /// How a value travels between a recordset and a server.
-enum class ValueKind : unsigned char { integer, real, text, moment };
+enum class ValueKind : unsigned char {
+  integer,
+  real,
+  text,
+  moment,
+  bytes,       ///< through a buffer of a size that is told beforehand
+  long_bytes,  ///< in pieces: nobody but the recordset's holder ever has the whole of it in memory where that can be
+};
 
-/// One value on its way to a `?` of a statement. Text is not owned: it must live until the statement was executed.
+/// Long data travel in pieces of this size.
+inline constexpr std::size_t long_piece_bytes = 64UL * 1024;
+
+/// One value on its way to a `?` of a statement. Text and bytes are not owned: they must live until the statement was
+/// executed.
 struct Parameter {
   ValueKind kind = ValueKind::integer;
   bool is_null = false;
   std::int64_t integer = 0;
   double real = 0;
-  std::string_view text;      ///< UTF-8
+  std::string_view text;      ///< UTF-8, or the bytes of either kind
   TIMESTAMP_STRUCT moment{};  ///< fraction in nanoseconds; milliseconds are kept
+  std::string_view table;  ///< of long bytes: the table and column that they go to, quoted or not; empty when unknown
+  std::string_view column;
 
   static Parameter null_of(ValueKind kind) {
     Parameter p;
@@ -56,6 +70,20 @@ struct Parameter {
     p.text = value;
     return p;
   }
+  static Parameter of_bytes(std::string_view value) {
+    Parameter p;
+    p.kind = ValueKind::bytes;
+    p.text = value;
+    return p;
+  }
+  static Parameter of_long_bytes(std::string_view value, std::string_view table = {}, std::string_view column = {}) {
+    Parameter p;
+    p.kind = ValueKind::long_bytes;
+    p.text = value;
+    p.table = table;
+    p.column = column;
+    return p;
+  }
   static Parameter of_moment(const TIMESTAMP_STRUCT& value) {
     Parameter p;
     p.kind = ValueKind::moment;
@@ -68,6 +96,7 @@ struct Parameter {
 struct ColumnBinding {
   ValueKind kind = ValueKind::integer;
   int width_chars = 0;  ///< for texts: a longer value is a truncation failure (return code 1021), never cut
+  int size_bytes = 0;   ///< of bytes: the buffer; a longer value is a truncation failure (1021) that tells its length
 
   friend bool operator==(const ColumnBinding&, const ColumnBinding&) = default;
 };
@@ -94,6 +123,8 @@ class Row {
   virtual bool text(unsigned column, std::string_view& value) = 0;
   /// Accepts a date without a time. Text that is no moment fails (22007).
   virtual bool moment(unsigned column, TIMESTAMP_STRUCT& value) = 0;
+  /// Of a column bound as bytes; valid as a text is.
+  virtual bool bytes(unsigned column, std::string_view& value) = 0;
 };
 
 /// A prepared statement. At most one result is open at a time; executing again closes it first.
@@ -107,6 +138,11 @@ class Statement : public Row {
   virtual std::int64_t rows_affected() const = 0;
   /// Steps to the next row; false at the end, again and again.
   virtual bool fetch() = 0;
+  /// The length of the current row's value in a column bound as long bytes, -1 when the driver does not know it; false
+  /// for a null. Reading begins with its first byte. One column at a time.
+  virtual bool long_length(unsigned column, std::int64_t& length) = 0;
+  /// Fills `piece` with the bytes that come next; fewer than it takes are the last ones. Behind `long_length`.
+  virtual std::size_t read_long(unsigned column, std::span<std::byte> piece) = 0;
   /// Ends the result and frees what it holds on the server; the statement stays prepared.
   virtual void close() noexcept = 0;
   /// Describes a result column. After prepare on every session.

@@ -10,6 +10,7 @@
 #include <vector>
 
 #include "spcbase/platform/database/session.h"
+#include "spcbase/platform/database/sqlite_long_data.h"
 
 namespace spcdb {
 
@@ -55,6 +56,11 @@ class SqliteSession final : public Session {
     if (query_timeout_s_ != 0) [[unlikely]]
       deadline_ = std::chrono::steady_clock::now() + std::chrono::seconds(query_timeout_s_);
   }
+  /// A step of several statements within the transaction, or as one of its own where none is open.
+  void enter_savepoint();
+  /// Fails with the step undone.
+  void leave_savepoint();
+  void undo_savepoint() noexcept;
   /// What SQLite said about the call that just failed with `code`.
   Diagnostic diagnose(int code) const;
 
@@ -79,6 +85,8 @@ class SqliteSession final : public Session {
   std::unique_ptr<SqliteStatement> begin_;
   std::unique_ptr<SqliteStatement> commit_;
   std::unique_ptr<SqliteStatement> rollback_;
+  std::unique_ptr<SqliteStatement> savepoint_;
+  std::unique_ptr<SqliteStatement> release_;
 };
 
 /// A prepared statement of SQLite. Nothing is allocated per execution or row once texts have reached their size.
@@ -95,6 +103,9 @@ class SqliteStatement final : public Statement {
   bool real(unsigned column, double& value) override;
   bool text(unsigned column, std::string_view& value) override;
   bool moment(unsigned column, TIMESTAMP_STRUCT& value) override;
+  bool bytes(unsigned column, std::string_view& value) override;
+  bool long_length(unsigned column, std::int64_t& length) override;
+  std::size_t read_long(unsigned column, std::span<std::byte> piece) override;
 
   void bind_columns(std::span<const ColumnBinding> columns) override;
   void execute(std::span<const Parameter> parameters) override;
@@ -109,6 +120,14 @@ class SqliteStatement final : public Statement {
   void bind(int position, const Parameter& parameter);
   int bind_text(int position, std::string_view text);
   int bind_moment(int position, const TIMESTAMP_STRUCT& moment);
+  // sqlite_long_data.cpp
+  void choose_form(std::span<const ColumnBinding> columns);
+  SqliteLongColumn& long_column(unsigned column);
+  int bind_bytes(int position, const Parameter& parameter);
+  bool writes_in_pieces(std::span<const Parameter> parameters);
+  void execute_in_pieces(std::span<const Parameter> parameters);
+  void write_pieces(const Parameter& parameter, sqlite3_int64 row_id);
+
   bool step();
   [[noreturn]] void fail_step(const Diagnostic& diagnostic);
   /// A value of the current row.
@@ -117,16 +136,25 @@ class SqliteStatement final : public Statement {
   std::string_view number_text(unsigned column, sqlite3_value* stored);
   std::string name_of(unsigned column) const;
 
+  unsigned columns_now() const;
+
   SqliteSession& session_;
-  sqlite3_stmt* statement_;
+  sqlite3_stmt* plain_;      ///< as it was given
+  sqlite3_stmt* statement_;  ///< the form of it that runs
   int parameter_count_;
   unsigned columns_;
   bool writes_;
   State state_ = State::closed;
   std::int64_t rows_affected_ = -1;
-  std::vector<int> widths_;                ///< of text columns in characters; 0 is no limit
+  std::vector<int> widths_;                ///< of texts in characters, of bytes in bytes; 0 is no limit
   std::vector<std::string> kept_texts_;    ///< parameters that SQLite refers to while rows are read
   std::vector<std::string> number_texts_;  ///< numbers that are read as texts
+  std::vector<SqliteLongColumn> long_columns_;
+  SqliteHandle parted_;
+  SqliteHandle writer_;
+  bool writer_tried_ = false;
+  SqliteValue value_;  ///< the long value that is being read
+  std::size_t long_offset_ = 0;
 };
 
 /// The SQLSTATE that fits one of SQLite's result codes.

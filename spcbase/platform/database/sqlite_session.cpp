@@ -99,6 +99,17 @@ void SqliteSession::rollback() {
   if (in_transaction()) run_kept(rollback_, "ROLLBACK");
 }
 
+void SqliteSession::enter_savepoint() { run_kept(savepoint_, "SAVEPOINT long_data"); }
+
+void SqliteSession::leave_savepoint() { run_kept(release_, "RELEASE long_data"); }
+
+void SqliteSession::undo_savepoint() noexcept {
+  // Some failures have ended the transaction, and the savepoint with it, already.
+  if (!in_transaction()) return;
+  gate_.release("sqlite3_exec");
+  sqlite3_exec(db_, "ROLLBACK TO long_data; RELEASE long_data", nullptr, nullptr, nullptr);
+}
+
 short SqliteSession::information(unsigned short type, std::uint32_t& value) {
   constexpr std::uint32_t txn_all = 2;
   value = 0;
@@ -165,6 +176,8 @@ void SqliteSession::close() noexcept {
   begin_.reset();
   commit_.reset();
   rollback_.reset();
+  savepoint_.reset();
+  release_.reset();
   if (in_transaction()) {
     gate_.release("sqlite3_exec");
     sqlite3_exec(db_, "ROLLBACK", nullptr, nullptr, nullptr);

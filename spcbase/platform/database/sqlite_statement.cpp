@@ -1,3 +1,4 @@
+#include <algorithm>
 #include <cmath>
 
 #include "spcbase/platform/database/db_exception.h"
@@ -18,24 +19,31 @@ std::string_view stored_text(sqlite3_value* stored) noexcept {
 
 SqliteStatement::SqliteStatement(SqliteSession& session, sqlite3_stmt* statement)
     : session_(session),
+      plain_(statement),
       statement_(statement),
       parameter_count_(sqlite3_bind_parameter_count(statement)),
       columns_(static_cast<unsigned>(sqlite3_column_count(statement))),
-      writes_(sqlite3_stmt_readonly(statement) == 0) {}
+      writes_(sqlite3_stmt_readonly(statement) == 0),
+      value_(session) {}
 
 SqliteStatement::~SqliteStatement() {
+  value_.close();
   session_.gate().release("sqlite3_finalize");
-  sqlite3_finalize(statement_);
+  sqlite3_finalize(plain_);
 }
 
 void SqliteStatement::bind_columns(std::span<const ColumnBinding> columns) {
-  if (columns.size() > static_cast<std::size_t>(sqlite3_column_count(statement_)))
+  close();
+  if (columns.size() > static_cast<std::size_t>(sqlite3_column_count(plain_)))
     raise(AFX_SQL_ERROR_FIELD_SCHEMA_MISMATCH, "07009",
-          "The result has " + std::to_string(sqlite3_column_count(statement_)) + " columns, " +
+          "The result has " + std::to_string(sqlite3_column_count(plain_)) + " columns, " +
               std::to_string(columns.size()) + " are wanted.");
   widths_.resize(columns.size());
   for (std::size_t i = 0; i < columns.size(); ++i)
-    widths_[i] = columns[i].kind == ValueKind::text ? columns[i].width_chars : 0;
+    widths_[i] = columns[i].kind == ValueKind::text    ? columns[i].width_chars
+                 : columns[i].kind == ValueKind::bytes ? columns[i].size_bytes
+                                                       : 0;
+  choose_form(columns);
 }
 
 void SqliteStatement::execute(std::span<const Parameter> parameters) {
@@ -45,19 +53,27 @@ void SqliteStatement::execute(std::span<const Parameter> parameters) {
     raise(AFX_SQL_ERROR_PARAMETER_COUNT, "07002",
           "The statement has " + std::to_string(parameter_count_) + " parameters, " +
               std::to_string(parameters.size()) + " values were given.");
+  if (writes_in_pieces(parameters)) return execute_in_pieces(parameters);
   for (int i = 0; i < parameter_count_; ++i)
     bind(i + 1, parameters[static_cast<std::size_t>(i)]);
   const auto changes_before = writes_ ? sqlite3_total_changes64(session_.db()) : 0;
   const bool has_row = step();
   // SQLite prepares anew at the first step when a table has changed.
-  if (has_row) columns_ = static_cast<unsigned>(sqlite3_data_count(statement_));
+  if (has_row) columns_ = columns_now();
   state_ = has_row ? State::first_row : State::at_end;
   // A statement that changed nothing leaves the count of the one before it in place.
   if (writes_)
     rows_affected_ = sqlite3_total_changes64(session_.db()) == changes_before ? 0 : sqlite3_changes64(session_.db());
 }
 
+unsigned SqliteStatement::columns_now() const {
+  const auto added = std::count_if(long_columns_.begin(), long_columns_.end(),
+                                   [](const SqliteLongColumn& column) { return column.row_id_at >= 0; });
+  return static_cast<unsigned>(sqlite3_data_count(statement_) - 2 * static_cast<int>(added));
+}
+
 bool SqliteStatement::fetch() {
+  value_.close();
   switch (state_) {
     case State::row:
       if (step()) return true;
@@ -74,6 +90,7 @@ bool SqliteStatement::fetch() {
 }
 
 void SqliteStatement::close() noexcept {
+  value_.close();
   if (state_ == State::first_row || state_ == State::row) {
     session_.gate().release("sqlite3_reset");
     sqlite3_reset(statement_);
@@ -118,6 +135,10 @@ void SqliteStatement::bind(int position, const Parameter& parameter) {
         break;
       case ValueKind::moment:
         code = bind_moment(position, parameter.moment);
+        break;
+      case ValueKind::bytes:
+      case ValueKind::long_bytes:
+        code = bind_bytes(position, parameter);
         break;
     }
   }
@@ -230,25 +251,25 @@ bool SqliteStatement::moment(unsigned column, TIMESTAMP_STRUCT& value) {
 }
 
 std::string SqliteStatement::name_of(unsigned column) const {
-  const char* name = sqlite3_column_name(statement_, static_cast<int>(column));
+  const char* name = sqlite3_column_name(plain_, static_cast<int>(column));
   return name != nullptr ? name : "?";
 }
 
 ColumnInfo SqliteStatement::describe(unsigned column) {
   const int index = static_cast<int>(column);
-  if (column >= static_cast<unsigned>(sqlite3_column_count(statement_)))
+  if (column >= static_cast<unsigned>(sqlite3_column_count(plain_)))
     raise(AFX_SQL_ERROR_FIELD_SCHEMA_MISMATCH, "07009", "The statement has no such column.");
   if (session_.gate().refused("sqlite3_column_decltype")) raise(session_.gate().refusal());
   ColumnInfo info;
   info.name = name_of(column);
-  const char* declared = sqlite3_column_decltype(statement_, index);
+  const char* declared = sqlite3_column_decltype(plain_, index);
   describe_sqlite_type(declared != nullptr ? declared : "", info);
-  const char* table = sqlite3_column_table_name(statement_, index);
-  const char* origin = sqlite3_column_origin_name(statement_, index);
+  const char* table = sqlite3_column_table_name(plain_, index);
+  const char* origin = sqlite3_column_origin_name(plain_, index);
   int not_null = 0;
   if (table != nullptr && origin != nullptr &&
-      sqlite3_table_column_metadata(session_.db(), sqlite3_column_database_name(statement_, index), table, origin,
-                                    nullptr, nullptr, &not_null, nullptr, nullptr) == SQLITE_OK)
+      sqlite3_table_column_metadata(session_.db(), sqlite3_column_database_name(plain_, index), table, origin, nullptr,
+                                    nullptr, &not_null, nullptr, nullptr) == SQLITE_OK)
     info.nullability = not_null != 0 ? 0 : 1;
   return info;
 }

@@ -80,6 +80,12 @@ void refuse_width(const std::string& column, int width) {
         "The text of column " + column + " is longer than " + std::to_string(width) + " characters.");
 }
 
+void refuse_size(const std::string& column, std::size_t length_bytes, int room_bytes) {
+  raise(AFX_SQL_ERROR_DATA_TRUNCATED, "01004",
+        "The value of column " + column + " has " + std::to_string(length_bytes) + " bytes and its buffer " +
+            std::to_string(room_bytes) + ".");
+}
+
 void refuse_nan() { raise(-1, "22003", "A value that is not a number (NaN) cannot be stored."); }
 void refuse_moment() { raise(-1, "22007", "The value is not a moment of the calendar."); }
 

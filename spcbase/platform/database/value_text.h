@@ -3,6 +3,7 @@
 /// Part of the database platform layer.
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <string>
 #include <string_view>
@@ -30,6 +31,8 @@ bool is_wider(std::string_view text, int width) noexcept;
 [[noreturn]] void refuse_value(const std::string& column, const char* sqlstate, const char* wanted);
 [[noreturn]] void refuse_whole(const std::string& column, Whole why);
 [[noreturn]] void refuse_width(const std::string& column, int width);
+/// Of bytes that do not fit their buffer.
+[[noreturn]] void refuse_size(const std::string& column, std::size_t length_bytes, int room_bytes);
 [[noreturn]] void refuse_nan();
 [[noreturn]] void refuse_moment();
 

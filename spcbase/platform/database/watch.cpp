@@ -48,6 +48,11 @@ void append_value(std::string& out, const Parameter& value) {
       return append_text(out, value.text);
     case ValueKind::moment:
       return append_moment(out, value.moment);
+    case ValueKind::bytes:
+    case ValueKind::long_bytes:
+      append_number(out, value.text.size());
+      out += " bytes";
+      return;
   }
 }
 

@@ -1,0 +1,3 @@
+#include "spcbase/platform/database/long_binary.h"
+
+CLongBinary::~CLongBinary() { GlobalFree(m_hData); }
