@@ -10,6 +10,10 @@ function(spcbase_layer name)
   set_property(GLOBAL APPEND PROPERTY SPCBASE_LIBRARIES ${arg_LIBRARIES})
 endfunction()
 
+# Test code is compiled for quick building: optimising it, and under sanitizers above all, costs most of a build's time.
+add_library(spcbase_quick_build INTERFACE)
+target_compile_options(spcbase_quick_build INTERFACE $<$<NOT:$<CONFIG:Debug>>:-O0;-g1>)
+
 # spcbase_test(foundation SOURCES a_test.cpp ... [LIBRARIES ...])
 #
 # One test program for each folder, tests/<folder>; every case is known to CTest under the folder's label.
@@ -17,7 +21,7 @@ function(spcbase_test name)
   cmake_parse_arguments(arg "" "" "SOURCES;LIBRARIES" ${ARGN})
   add_executable(${name}_test ${arg_SOURCES})
   target_link_libraries(${name}_test PRIVATE
-    spcbase_internal spcbase_test_support spcbase_warnings spcbase_sanitizers
+    spcbase_internal spcbase_test_support spcbase_warnings spcbase_sanitizers spcbase_quick_build
     ${arg_LIBRARIES} GTest::gtest GTest::gmock)
   target_compile_definitions(${name}_test PRIVATE SPCBASE_TEST_DATA="${PROJECT_SOURCE_DIR}/tests/data")
   add_test(NAME ${name} COMMAND ${name}_test --gtest_shuffle)
