@@ -41,12 +41,13 @@ lax=(--innodb-flush-log-at-trx-commit=2 --innodb-flush-method=O_DIRECT_NO_FSYNC 
 # A server that starts clears its temporary folder, so two must never share one.
 own_folder() { mkdir "$folder/tmp" && if [ -n "$user" ]; then chown "$user" "$folder" "$folder/tmp"; fi; }
 
+# --force: no name of this machine is needed, and a bare one has none to look up.
 install_data() {
   template=${SPC_TEST_MARIADB_TEMPLATE:-}
   if [ -z "$template" ]; then
     template=$folder/template
     "${as_user[@]}" mariadb-install-db --no-defaults --auth-root-authentication-method=normal --skip-test-db \
-      --skip-name-resolve --datadir="$template" --tmpdir="$folder/tmp" "${lax[@]}" \
+      --skip-name-resolve --force --datadir="$template" --tmpdir="$folder/tmp" "${lax[@]}" \
       >"$folder/install.log" 2>&1 || fail "no data folder could be made"
   fi
   "${as_user[@]}" cp -R --sparse=always --reflink=auto -- "$template" "$folder/data" ||
