@@ -228,6 +228,8 @@ ColumnInfo OdbcStatement::ask_column(unsigned column) {
     return SQLDescribeCol(handle_, static_cast<SQLUSMALLINT>(column + 1), odbc_text({name.data(), name.size()}),
                           static_cast<SQLSMALLINT>(name.size() - 1), &length, &type, &size, &digits, &nullable);
   });
+  const bool is_binary = type == SQL_BINARY || type == SQL_VARBINARY || type == SQL_LONGVARBINARY;
+  if (is_binary && session_.quirks().blob_sizes_unknown) size = 0;
   return {name.data(), type, size, digits, nullable};
 }
 

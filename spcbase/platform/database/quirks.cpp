@@ -21,13 +21,14 @@ constexpr std::string_view manual = "its manual";
 /// and of a text, so only reals go through it.
 constexpr const char* sqlite_double = "CASE WHEN typeof(%s)='real' THEN printf('%!.20g',%s) ELSE %s END";
 
-constexpr std::array<Fact, 20> facts{{
+constexpr std::array<Fact, 21> facts{{
     {"SQLite", sqlite_driver, [](Quirks& q) { q.quote_open = q.quote_close = '`'; }},
     {"SQLite", sqlite_driver, [](Quirks& q) { q.fixed_quotes = true; }},  // the driver's "NAME" may become a text
     {"SQLite", sqlite_driver, [](Quirks& q) { q.double_expression = sqlite_double; }},
     {"SQLite", sqlite_driver, [](Quirks& q) { q.fetch_as_text = true; }},  // 'abc' is 0, 'x' as a moment is null
     {"SQLite", sqlite_driver, [](Quirks& q) { q.streams_forward = false; }},
     {"SQLite", sqlite_driver, [](Quirks& q) { q.one_row = OneRow::rowid; }},
+    {"SQLite", sqlite_driver, [](Quirks& q) { q.blob_sizes_unknown = true; }},          // 255 whatever is stored
     {"MariaDB", mariadb_driver, [](Quirks& q) { q.counts_changed_rows_only = true; }},  // unless OPTION=2 was given
     {"MariaDB", mariadb_driver, [](Quirks& q) { q.streams_forward = false; }},          // NO_CACHE has no effect
     {"MariaDB", mariadb_driver, [](Quirks& q) { q.one_row = OneRow::limit; }},

@@ -44,6 +44,8 @@ struct Quirks {
   std::string timeout_statement;
   /// {ts '...'} and its kin are understood by the driver.
   bool odbc_escapes = true;
+  /// The size that the driver reports for a column of bytes says nothing: it counts as unknown.
+  bool blob_sizes_unknown = false;
   OneRow one_row = OneRow::none;
 };
 
