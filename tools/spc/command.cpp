@@ -1,26 +1,11 @@
 #include "tools/spc/command.h"
 
-#include <CLI/CLI.hpp>
-
 #include "tools/spc/demo.h"
 #include "tools/spc/problem.h"
-#include "tools/spc/tasks.h"
+#include "tools/spc/request.h"
 
 namespace spc {
 namespace {
-
-/// Everything that a command line can say.
-struct Request {
-  Place place;
-  bool json = false;
-  bool trace = false;
-  ImportRequest import;
-  std::string list_profile;
-  std::size_t list_limit = 20;
-  long shown_sample = 0;
-  std::string demo_keep;
-  std::function<int(const Terminal&)> task;
-};
 
 void add_global_options(CLI::App& app, Request& request) {
   auto* dsn = app.add_option("--dsn", request.place.dsn, "The ODBC data source of the database")->type_name("NAME");
@@ -125,6 +110,7 @@ int run(int argc, const char* const* argv, std::ostream& out, std::ostream& err,
   add_global_options(app, request);
   add_db(app, request);
   add_sample(app, request);
+  add_data_tasks(app, request);
   add_demo(app, request);
   try {
     if (const auto status = parse(app, request, argc, argv, out, err)) return *status;

@@ -1,12 +1,8 @@
 #include "tools/spc/csv.h"
 
 #include <algorithm>
-#include <cerrno>
-#include <filesystem>
-#include <fstream>
-#include <iterator>
-#include <system_error>
 
+#include "tools/spc/bytes.h"
 #include "tools/spc/problem.h"
 #include "tools/spc/utf8.h"
 
@@ -127,16 +123,6 @@ CsvFile parse_csv(std::string name, std::string_view text) {
   return file;
 }
 
-CsvFile read_csv(const std::string& path) {
-  const std::string what = "cannot read " + path;
-  std::error_code ignored;
-  if (std::filesystem::is_directory(path, ignored)) throw Problem{what, "it is a folder", ""};
-  errno = 0;
-  std::ifstream file(path, std::ios::binary);
-  if (!file) throw Problem{what, std::generic_category().message(errno), "See that the file is there and readable."};
-  const std::string text{std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
-  if (file.bad()) throw Problem{what, "reading broke off", ""};
-  return parse_csv(path, text);
-}
+CsvFile read_csv(const std::string& path) { return parse_csv(path, read_file(path)); }
 
 }  // namespace spc

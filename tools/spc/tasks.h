@@ -23,11 +23,27 @@ struct ImportRequest {
   std::vector<std::string> values;  ///< ENTRY=VALUE
 };
 
+/// What `spc payload` is given.
+struct PayloadRequest {
+  std::string kind;
+  int id = 0;
+  std::string file;  ///< to put, or to write; empty: standard output
+  int max_size = 0;
+};
+
 int create_database(const Place& place, const Terminal& terminal);
 int check_database(const Place& place, const Terminal& terminal);
 int import_samples(const Place& place, const ImportRequest& request, const Terminal& terminal);
 /// `profile` may be empty.
 int list_samples(const Place& place, const std::string& profile, std::size_t limit, const Terminal& terminal);
 int show_sample(const Place& place, long sample, const Terminal& terminal);
+/// `table` may be empty, for all.
+int check_numbers(const Place& place, const std::string& table, const Terminal& terminal);
+int repair_numbers(const Place& place, const std::string& table, const Terminal& terminal);
+int list_settings(const Place& place, const Terminal& terminal);
+int get_setting(const Place& place, const std::string& key, const Terminal& terminal);
+int get_payload(const Place& place, const PayloadRequest& request, const Terminal& terminal);
+int put_payload(const Place& place, const PayloadRequest& request, const Terminal& terminal);
+int delete_payload(const Place& place, const PayloadRequest& request, const Terminal& terminal);
 
 }  // namespace spc

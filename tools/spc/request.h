@@ -1,0 +1,36 @@
+/// What a command line asks for, and the parts of its grammar.
+///
+/// Part of the command.
+#pragma once
+
+#include <CLI/CLI.hpp>
+#include <functional>
+#include <string>
+
+#include "tools/spc/tasks.h"
+
+namespace spc {
+
+/// Everything that a command line can say.
+struct Request {
+  Place place;
+  bool json = false;
+  bool trace = false;
+  ImportRequest import;
+  std::string list_profile;
+  std::size_t list_limit = 20;
+  long shown_sample = 0;
+  std::string demo_keep;
+  std::string numbers_table;
+  std::string setting;
+  PayloadRequest payload;
+  std::function<int(const Terminal&)> task;
+};
+
+/// Adds --max-size.
+void add_max_size(CLI::App& command, int& size);
+
+/// Adds `spc numbers`, `spc settings` and `spc payload`. The request must outlive the application.
+void add_data_tasks(CLI::App& app, Request& request);
+
+}  // namespace spc
