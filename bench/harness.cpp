@@ -17,7 +17,7 @@ using Clock = std::chrono::steady_clock;
 
 /// A batch: rounds of a millisecond, long enough that the clock does not matter and short enough to fit between two
 /// bursts of a busy neighbour, those of both sides in random order. The median of each side counts.
-constexpr const char* batch_options[] = {"--benchmark_enable_random_interleaving=true", "--benchmark_repetitions=15",
+constexpr const char* batch_options[] = {"--benchmark_enable_random_interleaving=true", "--benchmark_repetitions=7",
                                          "--benchmark_min_time=0.001"};
 constexpr int fewest_batches = 3;
 /// A line that is over its limit is measured so many times longer before it counts.

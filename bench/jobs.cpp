@@ -2,7 +2,9 @@
 
 namespace bench {
 
-std::vector<Job> all_jobs() { return {save_sample(), read_sample(), scan(), open_row(), scan_memory()}; }
+std::vector<Job> all_jobs() {
+  return {save_sample(), read_sample(), scan(), open_row(), write_payload(), read_payload(), scan_memory()};
+}
 
 Tally OurWork::statements_of_one() {
   TallyObserver observer;

@@ -54,6 +54,8 @@ Job save_sample();
 Job read_sample();
 Job scan();
 Job open_row();
+Job write_payload();
+Job read_payload();
 Job scan_memory();
 
 /// Every job, in the order of the table.

@@ -1,7 +1,8 @@
-/// Moments on the plain side.
+/// Moments and long values on the plain side.
 #pragma once
 
 #include <chrono>
+#include <cstddef>
 
 namespace bench {
 
@@ -25,6 +26,15 @@ inline double day_number(const Moment& moment) {
   const auto days = (sys_days(date) - beginning).count();
   return static_cast<double>(days) + (moment.hour * 3600 + moment.minute * 60 + moment.second) / 86400.0;
 }
+
+/// Long values are streamed in pieces of this size.
+inline constexpr std::size_t long_piece = 65536;
+
+/// The column of a long value.
+struct LongColumn {
+  const char* table;
+  const char* column;
+};
 
 /// The present, local or UTC.
 Moment local_now();

@@ -1,5 +1,6 @@
 #include "bench/plain_odbc.h"
 
+#include <algorithm>
 #include <array>
 
 namespace bench {
@@ -35,6 +36,9 @@ PlainOdbcStatement::Buffer PlainOdbcStatement::buffer_of(char kind, int rows) {
       break;
     case 't':
       buffer = {SQL_C_CHAR, SQL_VARCHAR, 255, 0, 256, {}, {}};
+      break;
+    case 'b':  // bound to the caller's bytes
+      buffer = {SQL_C_BINARY, SQL_LONGVARBINARY, 1, 0, 0, {}, {}};
       break;
     case 'm':
       buffer = {SQL_C_TYPE_TIMESTAMP, SQL_TYPE_TIMESTAMP, 23, 3, sizeof(SQL_TIMESTAMP_STRUCT), {}, {}};
@@ -88,6 +92,38 @@ void PlainOdbcStatement::set_moment(int position, const Moment& value) {
                                     static_cast<SQLUSMALLINT>(value.second),
                                     static_cast<SQLUINTEGER>(value.millisecond) * 1'000'000U};
   put(parameter(position), &moment, sizeof moment, 0);
+}
+
+void PlainOdbcStatement::bind_bytes(int position, const std::string& value, SQLLEN indicator) {
+  Buffer& buffer = parameter(position);
+  buffer.indicators[0] = indicator;
+  check(SQLBindParameter(statement_, static_cast<SQLUSMALLINT>(position + 1), SQL_PARAM_INPUT, buffer.c_type,
+                         buffer.sql_type, value.size(), 0, const_cast<char*>(value.data()),
+                         static_cast<SQLLEN>(value.size()), buffer.indicators.data()));
+}
+
+void PlainOdbcStatement::write_long(int position, const std::string& value) {
+  ++sent_;
+  bind_bytes(position, value, SQL_LEN_DATA_AT_EXEC(static_cast<SQLLEN>(value.size())));
+  if (SQLExecute(statement_) != SQL_NEED_DATA) fail();
+  SQLPOINTER wanted = nullptr;
+  if (SQLParamData(statement_, &wanted) != SQL_NEED_DATA) fail();
+  for (std::size_t at = 0; at < value.size(); at += long_piece)
+    check(SQLPutData(statement_, const_cast<char*>(value.data()) + at,
+                     static_cast<SQLLEN>(std::min(long_piece, value.size() - at))));
+  check(SQLParamData(statement_, &wanted));
+}
+
+void PlainOdbcStatement::bytes_at(int column, std::string& value) {
+  const auto position = static_cast<SQLUSMALLINT>(column + 1);
+  char nothing = 0;
+  SQLLEN length = 0;
+  check(SQLGetData(statement_, position, SQL_C_BINARY, &nothing, 0, &length));
+  value.resize(static_cast<std::size_t>(length));
+  SQLLEN left = 0;
+  for (std::size_t at = 0; at < value.size(); at += long_piece)
+    check(SQLGetData(statement_, position, SQL_C_BINARY, value.data() + at,
+                     static_cast<SQLLEN>(std::min(long_piece, value.size() - at)), &left));
 }
 
 Moment PlainOdbcStatement::moment_at(int column) {

@@ -33,6 +33,8 @@ class PlainOdbcStatement {
     put(parameter(position), value.data(), value.size(), static_cast<SQLLEN>(value.size()));
   }
   void set_moment(int position, const Moment& value);
+  /// The bytes must live until the statement was executed.
+  void set_bytes(int position, const std::string& value) { bind_bytes(position, value, SQLLEN(value.size())); }
   void set_null(int position) { parameter(position).indicators[0] = SQL_NULL_DATA; }
 
   /// Executes a query and steps to its first row; false when there is none.
@@ -51,10 +53,15 @@ class PlainOdbcStatement {
     check(SQLExecute(statement_));
   }
 
+  /// Executes a statement whose parameter at `position` is sent in pieces.
+  void write_long(int position, const std::string& value);
+
   int number_at(int column) { return value_at<SQLINTEGER>(column); }
   double real_at(int column) { return value_at<double>(column); }
   bool is_null_at(int column) { return indicator_at(column) == SQL_NULL_DATA; }
   Moment moment_at(int column);
+  /// Of a column behind those that `column_kinds` names, in pieces.
+  void bytes_at(int column, std::string& value);
 
   const std::string& text() const { return text_; }
   long sent() const { return sent_; }
@@ -74,6 +81,7 @@ class PlainOdbcStatement {
   static Buffer buffer_of(char kind, int rows);
   void bind_parameter(std::size_t position);
   void bind_column(std::size_t position);
+  void bind_bytes(int position, const std::string& value, SQLLEN indicator);
   Buffer& parameter(int position) { return parameters_[static_cast<std::size_t>(position)]; }
   static void put(Buffer& buffer, const void* value, std::size_t size, SQLLEN indicator) {
     std::memcpy(buffer.bytes.data(), value, size);
@@ -120,8 +128,19 @@ class PlainOdbc {
   /// Prepares a statement for the life of the connection; rows are fetched in blocks of `block_rows`.
   Statement& prepare(const std::string& sql, const char* parameter_kinds = "", const char* column_kinds = "",
                      int block_rows = 1);
+  /// As PlainSqlite's.
+  Statement& prepare_long(const std::string& sql, const LongColumn& /*from*/, const char* parameter_kinds,
+                          const char* column_kinds) {
+    return prepare(sql, parameter_kinds, column_kinds);
+  }
   void begin();
   void commit();
+  void insert_long(Statement& insert, int position, const LongColumn& /*from*/, const std::string& value) {
+    insert.write_long(position, value);
+  }
+  void read_long(Statement& row, int column, const LongColumn& /*from*/, std::string& value) {
+    row.bytes_at(column, value);
+  }
   /// Runs one statement once, outside of what is measured.
   void run(const std::string& sql);
   /// What was sent so far.

@@ -2,6 +2,7 @@
 
 #include <time.h>
 
+#include <algorithm>
 #include <array>
 #include <cstdio>
 
@@ -43,7 +44,8 @@ Moment utc_now() {
   return moment_of(time, now.tv_nsec);
 }
 
-PlainSqliteStatement::PlainSqliteStatement(sqlite3* db, const std::string& sql) : db_(db), text_(sql) {
+PlainSqliteStatement::PlainSqliteStatement(sqlite3* db, const std::string& sql, const std::string& counted_as)
+    : db_(db), text_(counted_as) {
   check(sqlite3_prepare_v3(db, sql.c_str(), -1, SQLITE_PREPARE_PERSISTENT, &statement_, nullptr));
 }
 
@@ -72,8 +74,8 @@ PlainSqlite::PlainSqlite(const std::string& file) {
   run("PRAGMA journal_mode = WAL");
   run("PRAGMA synchronous = NORMAL");
   run("PRAGMA foreign_keys = ON");
-  begin_ = std::make_unique<Statement>(db_, "BEGIN IMMEDIATE");
-  commit_ = std::make_unique<Statement>(db_, "COMMIT");
+  begin_ = std::make_unique<Statement>(db_, "BEGIN IMMEDIATE", "BEGIN");
+  commit_ = std::make_unique<Statement>(db_, "COMMIT", "COMMIT");
 }
 
 PlainSqlite::~PlainSqlite() {
@@ -85,11 +87,52 @@ PlainSqlite::~PlainSqlite() {
 
 PlainSqlite::Statement& PlainSqlite::prepare(const std::string& sql, const char* /*parameter_kinds*/,
                                              const char* /*column_kinds*/, int /*block_rows*/) {
-  return *statements_.emplace_back(std::make_unique<Statement>(db_, sql));
+  return *statements_.emplace_back(std::make_unique<Statement>(db_, sql, sql));
+}
+
+PlainSqlite::Statement& PlainSqlite::prepare_long(const std::string& sql, const LongColumn& from,
+                                                  const char* /*parameter_kinds*/, const char* /*column_kinds*/) {
+  const std::string column = from.column;
+  const std::string by_row_id = std::string(sql).replace(sql.find(column), column.size(), "rowid");
+  return *statements_.emplace_back(std::make_unique<Statement>(db_, by_row_id, sql));
 }
 
 void PlainSqlite::begin() { begin_->write(); }
 void PlainSqlite::commit() { commit_->write(); }
+
+sqlite3_blob* PlainSqlite::open_long(const LongColumn& from, sqlite3_int64 row_id, bool to_write) {
+  sqlite3_blob* value = nullptr;
+  if (sqlite3_blob_open(db_, "main", from.table, from.column, row_id, to_write ? 1 : 0, &value) != SQLITE_OK)
+    throw std::runtime_error(sqlite3_errmsg(db_));
+  return value;
+}
+
+void PlainSqlite::insert_long(Statement& insert, int position, const LongColumn& from, const std::string& value) {
+  run("BEGIN IMMEDIATE");
+  insert.set_zeros(position, value.size());
+  insert.write();
+  sqlite3_blob* stored = open_long(from, sqlite3_last_insert_rowid(db_), true);
+  int result = SQLITE_OK;
+  for (std::size_t at = 0; at < value.size() && result == SQLITE_OK; at += long_piece) {
+    const auto count = static_cast<int>(std::min(long_piece, value.size() - at));
+    result = sqlite3_blob_write(stored, value.data() + at, count, static_cast<int>(at));
+  }
+  sqlite3_blob_close(stored);
+  if (result != SQLITE_OK) throw std::runtime_error(sqlite3_errmsg(db_));
+  run("COMMIT");
+}
+
+void PlainSqlite::read_long(Statement& row, int column, const LongColumn& from, std::string& value) {
+  sqlite3_blob* stored = open_long(from, row.number_at(column), false);
+  value.resize(static_cast<std::size_t>(sqlite3_blob_bytes(stored)));
+  int result = SQLITE_OK;
+  for (std::size_t at = 0; at < value.size() && result == SQLITE_OK; at += long_piece) {
+    const auto count = static_cast<int>(std::min(long_piece, value.size() - at));
+    result = sqlite3_blob_read(stored, value.data() + at, count, static_cast<int>(at));
+  }
+  sqlite3_blob_close(stored);
+  if (result != SQLITE_OK) throw std::runtime_error(sqlite3_errmsg(db_));
+}
 
 void PlainSqlite::run(const std::string& sql) {
   char* why = nullptr;

@@ -19,7 +19,8 @@ namespace bench {
 /// One prepared statement. Positions count from 0.
 class PlainSqliteStatement {
  public:
-  PlainSqliteStatement(sqlite3* db, const std::string& sql);
+  /// `counted_as` is the text under which it is counted.
+  PlainSqliteStatement(sqlite3* db, const std::string& sql, const std::string& counted_as);
   ~PlainSqliteStatement() { sqlite3_finalize(statement_); }
   PlainSqliteStatement(const PlainSqliteStatement&) = delete;
   PlainSqliteStatement& operator=(const PlainSqliteStatement&) = delete;
@@ -31,6 +32,11 @@ class PlainSqliteStatement {
     check(sqlite3_bind_text(statement_, position + 1, value.data(), static_cast<int>(value.size()), SQLITE_STATIC));
   }
   void set_moment(int position, const Moment& value);
+  /// The bytes must live until the statement was executed.
+  void set_bytes(int position, const std::string& value) {
+    check(sqlite3_bind_blob64(statement_, position + 1, value.data(), value.size(), SQLITE_STATIC));
+  }
+  void set_zeros(int position, std::size_t count) { check(sqlite3_bind_zeroblob64(statement_, position + 1, count)); }
   void set_null(int position) { check(sqlite3_bind_null(statement_, position + 1)); }
 
   /// Executes a query and steps to its first row; false when there is none.
@@ -53,6 +59,10 @@ class PlainSqliteStatement {
   double real_at(int column) { return sqlite3_column_double(statement_, column); }
   bool is_null_at(int column) { return sqlite3_column_type(statement_, column) == SQLITE_NULL; }
   Moment moment_at(int column);
+  void bytes_at(int column, std::string& value) {
+    const void* bytes = sqlite3_column_blob(statement_, column);
+    value.assign(static_cast<const char*>(bytes), static_cast<std::size_t>(sqlite3_column_bytes(statement_, column)));
+  }
 
   const std::string& text() const { return text_; }
   long sent() const { return sent_; }
@@ -90,14 +100,24 @@ class PlainSqlite {
   /// are for the other server.
   Statement& prepare(const std::string& sql, const char* parameter_kinds = "", const char* column_kinds = "",
                      int block_rows = 1);
+  /// Prepares a query whose last column is a long value to be streamed. sqlite3 is asked for its row id in place of the
+  /// value, which the query itself would read whole else.
+  Statement& prepare_long(const std::string& sql, const LongColumn& from, const char* parameter_kinds,
+                          const char* column_kinds);
   void begin();
   void commit();
+  /// Executes an INSERT whose parameter at `position` is a long value, streamed.
+  void insert_long(Statement& insert, int position, const LongColumn& from, const std::string& value);
+  /// Streams the long value in the last column of the current row.
+  void read_long(Statement& row, int column, const LongColumn& from, std::string& value);
   /// Runs statements once, outside of what is measured.
   void run(const std::string& sql);
   /// What was sent so far.
   Tally tally() const;
 
  private:
+  sqlite3_blob* open_long(const LongColumn& from, sqlite3_int64 row_id, bool to_write);
+
   sqlite3* db_ = nullptr;
   std::vector<std::unique_ptr<Statement>> statements_;
   std::unique_ptr<Statement> begin_;
