@@ -5,6 +5,7 @@
 #include <map>
 #include <string>
 
+#include "spcbase/platform/automation/com_error.h"
 #include "spcbase/platform/automation/safe_array.h"
 #include "spcbase/platform/automation/unknown.h"
 #include "vector_file.h"
@@ -74,5 +75,16 @@ class counted_object final : public IDispatch {
   ULONG AddRef() override { return ++references; }
   ULONG Release() override { return --references; }
 };
+
+/// The code of the _com_error that a call throws; S_OK when it throws none.
+template <class Call>
+HRESULT code_thrown_by(Call call) {
+  try {
+    call();
+  } catch (const _com_error& error) {
+    return error.Error();
+  }
+  return S_OK;
+}
 
 }  // namespace vectors

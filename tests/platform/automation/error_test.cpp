@@ -16,17 +16,8 @@
 
 namespace {
 
+using vectors::code_thrown_by;
 using vectors::counted_object;
-
-template <class Call>
-HRESULT code_thrown_by(Call call) {
-  try {
-    call();
-  } catch (const _com_error& error) {
-    return error.Error();
-  }
-  return S_OK;
-}
 
 template <class Pointer>
 class SmartPointer : public testing::Test {};

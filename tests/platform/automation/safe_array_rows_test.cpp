@@ -151,21 +151,7 @@ std::string without_pointer(const std::string& told) {
   return std::regex_replace(told, std::regex(" (no-)?data| pointer=\\w+"), "");
 }
 
-using steps = std::map<std::string, std::function<answer()>>;
-
-void play(const steps& known, const std::string& row_class) {
-  std::size_t played = 0;
-  for (const vectors::row& row : vectors::read(file_name, {row_class})) {
-    SCOPED_TRACE(vectors::text("line %d: ", row.line) + row[1]);
-    const auto step = known.find(row[1]);
-    ASSERT_NE(step, known.end()) << "no step for this row";
-    const answer told = step->second();
-    EXPECT_EQ(told.result, row[2]);
-    EXPECT_EQ(told.output, row[3]);
-    ++played;
-  }
-  EXPECT_EQ(played, known.size());
-}
+void play(const vectors::steps& known, const std::string& row_class) { vectors::play(file_name, known, row_class); }
 
 TEST(SafeArrayRows, creating_bounds_and_elements_are_as_recorded) {
   const auto rows =

@@ -24,21 +24,7 @@ using vectors::text;
 
 constexpr const char* file_name = "safearray.tsv";
 
-using steps = std::map<std::string, std::function<answer()>>;
-
-void play(const steps& known, const std::string& row_class) {
-  std::size_t played = 0;
-  for (const vectors::row& row : vectors::read(file_name, {row_class})) {
-    SCOPED_TRACE(text("line %d: ", row.line) + row[1]);
-    const auto step = known.find(row[1]);
-    ASSERT_NE(step, known.end()) << "no step for this row";
-    const answer told = step->second();
-    EXPECT_EQ(told.result, row[2]);
-    EXPECT_EQ(told.output, row[3]);
-    ++played;
-  }
-  EXPECT_EQ(played, known.size());
-}
+void play(const vectors::steps& known, const std::string& row_class) { vectors::play(file_name, known, row_class); }
 
 // The stream of the sequence, and its calls in the notation of the rows.
 class stream_player {

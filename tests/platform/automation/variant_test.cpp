@@ -15,6 +15,7 @@
 
 namespace {
 
+using vectors::code_thrown_by;
 using vectors::counted_object;
 
 VARIANT of_object(counted_object& object) {
@@ -22,16 +23,6 @@ VARIANT of_object(counted_object& object) {
   value.vt = VT_DISPATCH;
   value.pdispVal = &object;
   return value;
-}
-
-template <class Call>
-HRESULT code_thrown_by(Call call) {
-  try {
-    call();
-  } catch (const _com_error& error) {
-    return error.Error();
-  }
-  return S_OK;
 }
 
 TEST(Variant, has_the_documented_layout) {

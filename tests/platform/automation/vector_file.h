@@ -6,6 +6,8 @@
 #include <algorithm>
 #include <cstdio>
 #include <fstream>
+#include <functional>
+#include <map>
 #include <string>
 #include <utility>
 #include <vector>
@@ -80,5 +82,23 @@ struct answer {
   std::string result;
   std::string output;
 };
+
+/// The calls that the rows of a class describe, by the rows' first column.
+using steps = std::map<std::string, std::function<answer()>>;
+
+/// Plays each row of a class of a file by its step, in the order of the file; every step stands there.
+inline void play(const char* file_name, const steps& known, const std::string& row_class) {
+  std::size_t played = 0;
+  for (const row& recorded : read(file_name, {row_class})) {
+    SCOPED_TRACE(text("line %d: ", recorded.line) + recorded[1]);
+    const auto step = known.find(recorded[1]);
+    ASSERT_NE(step, known.end()) << "no step for this row";
+    const answer told = step->second();
+    EXPECT_EQ(told.result, recorded[2]);
+    EXPECT_EQ(told.output, recorded[3]);
+    ++played;
+  }
+  EXPECT_EQ(played, known.size());
+}
 
 }  // namespace vectors

@@ -5,24 +5,15 @@
 
 #include <gtest/gtest.h>
 
+#include "tests/support/refusal.h"
 #include "tests/support/zone_guard.h"
 
 namespace {
 
+using test_support::refuses;
 using test_support::ZoneGuard;
 
 constexpr __time64_t moment = 1710511509;  // 2024-03-15 14:05:09 UTC, a Friday
-
-template <typename Operation>
-bool refuses(Operation operation) {
-  try {
-    operation();
-  } catch (CNotSupportedException* e) {
-    e->Delete();
-    return true;
-  }
-  return false;
-}
 
 TEST(CTime, fields_are_read_in_the_current_zone) {
   const CTime time(moment);

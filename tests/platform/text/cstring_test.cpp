@@ -11,20 +11,11 @@
 #include <utility>
 
 #include "spcbase/platform/system/message_source.h"
+#include "tests/support/refusal.h"
 
 namespace {
 
-/// Whether an operation throws a CNotSupportedException by pointer, as invalid arguments do; it is released.
-template <typename Operation>
-bool refuses(Operation operation) {
-  try {
-    operation();
-  } catch (CNotSupportedException* e) {
-    e->Delete();
-    return true;
-  }
-  return false;
-}
+using test_support::refuses;
 
 TEST(CString, is_made_of_texts_buffers_and_repeated_bytes) {
   EXPECT_STREQ(CString().GetString(), "");
