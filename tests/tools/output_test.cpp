@@ -82,7 +82,6 @@ TEST(Utf8, measures_what_a_terminal_shows) {
   EXPECT_EQ(spc::display_width("größe"), 5U);
   EXPECT_EQ(spc::display_width("日本"), 4U);
   EXPECT_EQ(spc::display_width("e\xCC\x81"), 1U) << "a mark that combines";
-  EXPECT_EQ(spc::count_characters("größe 日"), 7U);
 }
 
 TEST(Utf8, keeps_a_text_on_one_line_and_trims_it) {

@@ -9,6 +9,7 @@
 
 #include "spcbase/platform/automation/bstr_t.h"
 #include "spcbase/platform/datetime/ole_datetime.h"
+#include "spcbase/platform/text/unicode.h"
 #include "tools/spc/utf8.h"
 
 namespace spc {
@@ -17,7 +18,7 @@ namespace {
 std::string quoted(std::string_view text) {
   constexpr std::size_t most = 40;
   std::string shown = on_one_line(text);
-  if (count_characters(shown) > most) {
+  if (platform::utf8_length_chars(shown) > most) {
     std::size_t end = most;
     while (end < shown.size() && (static_cast<unsigned char>(shown[end]) & 0xC0U) == 0x80U)
       ++end;
@@ -55,7 +56,7 @@ ReadCell read_count(std::string_view text) {
 }
 
 ReadCell read_text(std::string_view text, std::size_t max_chars) {
-  const std::size_t length = count_characters(text);
+  const std::size_t length = platform::utf8_length_chars(text);
   if (length > max_chars)
     return wrong("a text of " + std::to_string(length) + " characters, and " + std::to_string(max_chars) + " fit");
   return {_variant_t(std::string(text).c_str()), {}, {}};

@@ -65,11 +65,6 @@ std::optional<std::size_t> find_invalid_utf8(std::string_view text) {
   return std::nullopt;
 }
 
-std::size_t count_characters(std::string_view text) {
-  return static_cast<std::size_t>(
-      std::count_if(text.begin(), text.end(), [](char c) { return (static_cast<unsigned char>(c) & 0xC0U) != 0x80U; }));
-}
-
 std::size_t display_width(std::string_view text) {
   std::size_t width = 0;
   for (std::size_t at = 0; at < text.size();) {

@@ -13,9 +13,6 @@ namespace spc {
 /// The offset of the first byte that is not well-formed UTF-8; nothing when all is well.
 std::optional<std::size_t> find_invalid_utf8(std::string_view text);
 
-/// The number of characters (code points) of a well-formed text.
-std::size_t count_characters(std::string_view text);
-
 /// The columns that a text takes on a terminal: marks that combine take none, wide characters two.
 std::size_t display_width(std::string_view text);
 
