@@ -382,7 +382,9 @@ std::int64_t RecordsetCore::send(std::string_view text, std::span<const Paramete
 }
 
 std::int64_t RecordsetCore::count_rows(std::string_view where, std::span<const Parameter> parameters) {
-  const std::string text = "SELECT COUNT(*) FROM " + source_ + " WHERE " + std::string(where);
+  std::string text = "SELECT COUNT(*) FROM " + source_ + " WHERE " + std::string(where);
+  // The row as it stands now, not as the transaction saw it at first: the statement before went by that too.
+  if (connection().quirks().counts_changed_rows_only) text += " LOCK IN SHARE MODE";
   return watched(*recordset_.m_pDatabase, {text, parameters, {}}, [&] {
     auto& kept = connection().acquire({text, text, false}, Reading::all);
     std::int64_t count = 0;
