@@ -72,6 +72,14 @@ void OdbcStatement::give_bytes(SQLUSMALLINT position, OdbcParameter& place, cons
   place.bound = false;
 }
 
+/// One server keeps the pieces that came before a cancelled rest, and takes them for the next execution's.
+void OdbcStatement::forget_pieces() {
+  checked("SQLPrepare", [&] { return SQLPrepare(handle_, odbc_text(sql_), static_cast<SQLINTEGER>(sql_.size())); });
+  pieces_left_ = false;
+  for (auto& place : parameters_)
+    place.bound = false;
+}
+
 /// Sends what the driver asks for until it asks no more.
 SQLRETURN OdbcStatement::send_pieces() {
   try {
@@ -94,6 +102,7 @@ SQLRETURN OdbcStatement::send_pieces() {
     // The statement waits for its data else.
     session_.gate().release("SQLCancel");
     SQLCancel(handle_);
+    pieces_left_ = true;
     throw;
   }
 }

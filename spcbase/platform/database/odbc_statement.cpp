@@ -54,6 +54,7 @@ void OdbcStatement::prepare(std::string_view sql) {
   count = 0;
   checked("SQLNumResultCols", [&] { return SQLNumResultCols(handle_, &count); });
   columns_in_result_ = static_cast<unsigned>(count);
+  if (columns_in_result_ == 0) sql_ = sql;
   // Now: one driver forgets them when the first result is closed.
   infos_.reserve(columns_in_result_);
   kinds_.reserve(columns_in_result_);
@@ -73,6 +74,8 @@ void OdbcStatement::execute(std::span<const Parameter> parameters) {
   session_.settle();
   if (applied_timeout_s_ != session_.query_timeout_s()) [[unlikely]]
     apply_timeout();
+  if (pieces_left_) [[unlikely]]
+    forget_pieces();
   for (std::size_t i = 0; i < parameters.size(); ++i)
     give(static_cast<SQLUSMALLINT>(i + 1), parameters_[i], parameters[i]);
   if (columns_in_result_ != 0 && columns_.empty()) bind_as_described();

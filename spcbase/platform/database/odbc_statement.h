@@ -72,6 +72,7 @@ class OdbcStatement final : public Statement {
   void bind_parameter(SQLUSMALLINT position, OdbcParameter& place);
   void give_bytes(SQLUSMALLINT position, OdbcParameter& place, const Parameter& value);
   SQLRETURN send_pieces();
+  void forget_pieces();
   OdbcColumn& long_column(unsigned column);
   SQLRETURN get_data(unsigned column, std::span<std::byte> piece, SQLLEN& left);
   void apply_timeout();
@@ -100,6 +101,8 @@ class OdbcStatement final : public Statement {
   SQLULEN row_ = 0;
   std::int64_t rows_affected_ = -1;
   unsigned applied_timeout_s_ = 0;
+  std::string sql_;  ///< of a statement that takes values
+  bool pieces_left_ = false;
   bool cursor_open_ = false;
   bool has_row_ = false;
 };
