@@ -27,7 +27,7 @@ class PayloadRow {
 
   CString read_text() {
     open(&open_for_read);
-    const CString text = rs_.m_bEOF != FALSE ? CString() : rs_.get_blob_str(rs_);
+    CString text = rs_.m_bEOF != FALSE ? CString() : rs_.get_blob_str(rs_);
     rs_.Close();
     return text;
   }

@@ -177,7 +177,7 @@ TEST(payload_functions, without_an_open_connection_say_that_the_recordset_does_n
 // A real database behind a driver that refuses whatever travels in pieces.
 class payload_on_a_poor_driver : public payload_live {
  protected:
-  static spcdb::Diagnostic refusal() { return test_support::error("HYC00", 106, "Optional feature not implemented"); }
+  static spcdb::Diagnostic refusal() { return test_support::error("HYC00", 106, "The driver has no such feature"); }
   void use_poor_driver() {
     script = std::make_shared<test_support::Script>();
     script->refuse_streaming(refusal());

@@ -391,7 +391,7 @@ TEST_F(LongScript, data_whose_length_nobody_tells_are_read_to_their_end) {
 }
 
 TEST_F(LongScript, a_driver_that_cannot_stream_fails_the_opening) {
-  script->refuse_streaming(test_support::error("HYC00", 7, "Optional feature not implemented"));
+  script->refuse_streaming(test_support::error("HYC00", 7, "The driver has no such feature"));
   script->on_prefix("SELECT").answer({"ID", "NAME", "DATA"}, {{1, "a", "x"}});
   Streamed rs(&db);
   EXPECT_NE(caught([&] { rs.Open(); }).state.find("HYC00"), std::string::npos);
