@@ -121,6 +121,10 @@ class Texts(Guard):
         self.plant("docs/a.md", "see docs/wo" + "rk/a and ./ro" + "ot/b\n")
         self.expect_clean(self.guard)
 
+    def test_a_driver_s_own_words_pass(self):
+        self.plant("tests/a_test.cpp", '"Optional feature not impl' + 'emented"\n')
+        self.expect_clean(self.guard)
+
     def test_an_unfinished_mark_is_found(self):
         self.plant("spcbase/time/a.cpp", "int a;  // TO" + "DO later\n")
         self.expect_find(self.guard, "spcbase/time/a.cpp:1: ", "finish it")
