@@ -67,8 +67,8 @@ class RSOBJREVForAdd : public TableRecordset<RSOBJREVForAdd> {
       coltab::field("[CREASON]", &RSOBJREVForAdd::creason, 4000));
 };
 
-/// What an approval fills in. The level is part of the key, so that a row is found only while it is as approved, or not,
-/// as it was read: of two approvers one wins.
+/// What an approval fills in. The level is part of the key, so that a row is found only while it is as approved, or
+/// not, as it was read: of two approvers one wins.
 class RSOBJREVForApprove : public TableRecordset<RSOBJREVForApprove> {
  public:
   using TableRecordset::TableRecordset;
@@ -90,9 +90,9 @@ class RSOBJREVForApprove : public TableRecordset<RSOBJREVForApprove> {
       coltab::key("[OBJID]", &RSOBJREVForApprove::objid), coltab::key("[OBJTYPE]", &RSOBJREVForApprove::objtype),
       coltab::key("[REVISION]", &RSOBJREVForApprove::revision),
       coltab::field("[MAJORVER]", &RSOBJREVForApprove::majorver),
-      coltab::field("[MINORVER]", &RSOBJREVForApprove::minorver),
-      coltab::key("[ALEVEL]", &RSOBJREVForApprove::alevel), coltab::field("[ATYPE]", &RSOBJREVForApprove::atype),
-      coltab::field("[ATIME]", &RSOBJREVForApprove::atime), coltab::field("[AUSERID]", &RSOBJREVForApprove::auserid),
+      coltab::field("[MINORVER]", &RSOBJREVForApprove::minorver), coltab::key("[ALEVEL]", &RSOBJREVForApprove::alevel),
+      coltab::field("[ATYPE]", &RSOBJREVForApprove::atype), coltab::field("[ATIME]", &RSOBJREVForApprove::atime),
+      coltab::field("[AUSERID]", &RSOBJREVForApprove::auserid),
       coltab::field("[AUSER]", &RSOBJREVForApprove::auser, 255),
       coltab::field("[AREASON]", &RSOBJREVForApprove::areason, 4000));
 };
