@@ -1,13 +1,14 @@
 // Plan, on SQLite and on a private MariaDB server
-//   The demo builds, saves and reads back; JSON; a trace that masks passwords; what stands is what the files say
-//   A second run begins anew; a database in use, and one with other samples, are left alone
-//   A temporary file goes; --keep keeps one that the other commands work on, and refuses one that exists
-//   What is compiled in is what stands in tools/spc/data
+//   The demo builds, saves and reads back, and shows a history of revisions; JSON; a trace that masks passwords; what
+//   stands is what the files say A second run begins anew; a database in use, and one with other samples, are left
+//   alone A temporary file goes; --keep keeps one that the other commands work on, and refuses one that exists What is
+//   compiled in is what stands in tools/spc/data
 #include <gtest/gtest.h>
 
 #include <filesystem>
 #include <fstream>
 #include <iterator>
+#include <regex>
 
 #include "tests/tools/json_check.h"
 #include "tests/tools/program.h"
@@ -65,10 +66,27 @@ TEST_P(Demo, tells_its_steps_in_json) {
   const Answer demo = spc({"demo", "--json"});
   ASSERT_EQ(demo.status, 0) << demo;
   const auto told = json_check::parse(demo.out);
-  ASSERT_EQ(told["steps"].items.size(), 6U);
+  ASSERT_EQ(told["steps"].items.size(), 7U);
   EXPECT_EQ(told["steps"].items[2]["step"].text, "import piston_rings.csv");
   EXPECT_EQ(told["steps"].items[2]["rows"].number, 200);
   EXPECT_EQ(told["examples"].items.size(), 3U);
+  ASSERT_EQ(told["history"].items.size(), 5U);
+  EXPECT_EQ(told["history"].items[0]["approval"]["user"].text, "bo");
+}
+
+TEST_P(Demo, shows_how_a_profile_came_to_be) {
+  const Answer demo = spc({"demo"});
+  const std::string shown = std::regex_replace(demo.out, std::regex("[0-9]{4}-[0-9]{2}-[0-9]{2} [0-9:]{8}"), "TIME");
+  EXPECT_NE(shown.find("The history of Piston rings\n\n  revision  version  saved "), std::string::npos) << demo;
+  for (const char* line :
+       {"         5      1.0  TIME  bo     Duplicate of version 0.4 (major version on approval)  TIME  bo      2  "
+        "Released for production\n",
+        "         4      0.4  TIME  anna   Five pieces in each sample\n",
+        "         3      0.3  TIME  chloé  Control limits of the set-up phase\n",
+        "         2      0.2  TIME  anna   Tolerance of the drawing                              TIME  bo      1  "
+        "Compared with the drawing\n",
+        "         1      0.1  TIME  anna   First draft\n"})
+    EXPECT_NE(shown.find(line), std::string::npos) << line << demo;
 }
 
 TEST_P(Demo, begins_anew_in_the_database_of_an_earlier_demo) {

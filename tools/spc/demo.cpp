@@ -11,8 +11,10 @@
 #include "spcbase/foundation/schema.h"
 #include "tools/spc/demo_database.h"
 #include "tools/spc/demo_files.h"
+#include "tools/spc/demo_history.h"
 #include "tools/spc/embedded_data.h"
 #include "tools/spc/problem.h"
+#include "tools/spc/revisions.h"
 #include "tools/spc/sample_view.h"
 #include "tools/spc/schema_work.h"
 #include "tools/spc/table.h"
@@ -55,9 +57,17 @@ class Demo {
     for (auto& file : demo_files(plant))
       take("import " + file.name, [&](Step& step) { enter(std::move(file), step); });
     take("read back and compare", [&](Step& step) { compare_all(step); });
+    take("save and approve a profile", [&](Step& step) {
+      history_ = make_history(link_, plant, entered_.front().shape);
+      step.rows = 2 * history_.size();
+      step.result = counted(history_.size(), "revision") + ", all payloads as they were saved";
+    });
   }
 
   const std::vector<Step>& steps() const { return steps_; }
+  /// The revisions of the first profile, the latest first.
+  const std::vector<rev::RevisionBaseInfo>& history() const { return history_; }
+  const std::string& history_of() const { return entered_.front().shape.name; }
   /// The samples that are shown: one of each profile.
   std::vector<SampleView> examples() {
     std::vector<SampleView> views;
@@ -157,6 +167,7 @@ class Demo {
   const Terminal& terminal_;
   std::vector<Step> steps_;
   std::vector<Entered> entered_;
+  std::vector<rev::RevisionBaseInfo> history_;
 };
 
 std::string milliseconds_text(double milliseconds) {
@@ -179,6 +190,8 @@ void print_for_people(std::ostream& out, Demo& demo, Link& link, const DemoDatab
     out << '\n';
     print_sample(out, view);
   }
+  out << "\nThe history of " << demo.history_of() << "\n\n";
+  print_history(out, demo.history(), "  ");
   out << '\n' << database.farewell() << '\n';
 }
 
@@ -200,6 +213,8 @@ void print_for_machines(std::ostream& out, Demo& demo, Link& link) {
   for (const auto& view : demo.examples())
     write_sample(json, view);
   json.end_array();
+  json.key("history");
+  write_history(json, demo.history());
   json.end_object();
 }
 

@@ -24,6 +24,8 @@ struct Request {
   std::string numbers_table;
   std::string setting;
   PayloadRequest payload;
+  RevisionRequest revision;
+  bool yes = false;
   std::function<int(const Terminal&)> task;
 };
 
@@ -32,5 +34,8 @@ void add_max_size(CLI::App& command, int& size);
 
 /// Adds `spc numbers`, `spc settings` and `spc payload`. The request must outlive the application.
 void add_data_tasks(CLI::App& app, Request& request);
+
+/// Adds `spc rev`.
+void add_revision_tasks(CLI::App& app, Request& request);
 
 }  // namespace spc

@@ -31,6 +31,21 @@ struct PayloadRequest {
   int max_size = 0;
 };
 
+/// What `spc rev` is given.
+struct RevisionRequest {
+  int type = 0;
+  int id = 0;
+  int revision = 0;  ///< 0: the latest
+  std::string file;  ///< to save, or to write; empty: standard output
+  std::string user = "spc";
+  int user_id = 0;
+  std::string reason;
+  bool major = false;
+  int level = 0;
+  int approval_type = 0;
+  int max_size = 0;
+};
+
 int create_database(const Place& place, const Terminal& terminal);
 int check_database(const Place& place, const Terminal& terminal);
 int import_samples(const Place& place, const ImportRequest& request, const Terminal& terminal);
@@ -45,5 +60,13 @@ int get_setting(const Place& place, const std::string& key, const Terminal& term
 int get_payload(const Place& place, const PayloadRequest& request, const Terminal& terminal);
 int put_payload(const Place& place, const PayloadRequest& request, const Terminal& terminal);
 int delete_payload(const Place& place, const PayloadRequest& request, const Terminal& terminal);
+int add_revision(const Place& place, const RevisionRequest& request, const Terminal& terminal);
+int list_revisions(const Place& place, const RevisionRequest& request, const Terminal& terminal);
+int show_revision(const Place& place, const RevisionRequest& request, const Terminal& terminal);
+int get_revision(const Place& place, const RevisionRequest& request, const Terminal& terminal);
+int approve_revision(const Place& place, const RevisionRequest& request, const Terminal& terminal);
+/// Without `yes` they say what they would change, and fail.
+int rebuild_revisions(const Place& place, bool yes, const Terminal& terminal);
+int reset_revisions(const Place& place, bool yes, const Terminal& terminal);
 
 }  // namespace spc
