@@ -180,7 +180,8 @@ TEST(keys, are_the_columns_that_tell_rows_apart) {
   EXPECT_EQ(keys["CRSLabelData"], (Names{"[SAMPID]", "[CHRTID]", "[LABELID]", "[PIECENO]"}));
   EXPECT_EQ(keys["CRSSampleRev"], Names{"SAMPID"});
   EXPECT_EQ(keys["RSOBJREV"], Names{"[REVID]"});
-  EXPECT_EQ(keys["RSOBJREVForApprove"], (Names{"[OBJID]", "[OBJTYPE]", "[REVISION]"}));
+  // With the level, so that only one of two approvers finds the row.
+  EXPECT_EQ(keys["RSOBJREVForApprove"], (Names{"[OBJID]", "[OBJTYPE]", "[REVISION]", "[ALEVEL]"}));
   EXPECT_EQ(keys["RSOBJREVWithVersion"], (Names{"[OBJID]", "[OBJTYPE]", "[REVISION]"}));
   EXPECT_EQ(keys["RSExtDBForDelete"], Names{"[EXDBID]"});
   EXPECT_EQ(keys["RSINI"], (Names{"[QUAL]", "[SECT]", "[KYWORD]", "[SEQNO]"}));
