@@ -115,7 +115,7 @@ Problem reset_problem(const Failure& failure, const StatementWatch& watch) {
 
 /// A question that counts the foreign key of the payloads; empty where the server has no catalogue to ask.
 std::string key_question(schema::Server server) {
-  const std::string named = "CONSTRAINT_NAME = 'FKREVDAT1' AND TABLE_NAME = 'CSREVDAT'";
+  std::string named = "CONSTRAINT_NAME = 'FKREVDAT1' AND TABLE_NAME = 'CSREVDAT'";
   switch (server) {
     case schema::Server::mysql:
       return named + " AND TABLE_SCHEMA = DATABASE()";
