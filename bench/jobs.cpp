@@ -3,7 +3,9 @@
 namespace bench {
 
 std::vector<Job> all_jobs() {
-  return {save_sample(), read_sample(), scan(), open_row(), write_payload(), read_payload(), scan_memory()};
+  return {save_sample(),   read_sample(),     scan(),           open_row(),       write_payload(),
+          read_payload(),  add_revision(),    add_after_100(),  add_after_1000(), add_after_10000(),
+          read_revision(), cached_revision(), list_revisions(), scan_memory()};
 }
 
 Tally OurWork::statements_of_one() {

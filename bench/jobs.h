@@ -56,6 +56,13 @@ Job scan();
 Job open_row();
 Job write_payload();
 Job read_payload();
+Job add_revision();
+Job add_after_100();
+Job add_after_1000();
+Job add_after_10000();
+Job read_revision();
+Job cached_revision();
+Job list_revisions();
 Job scan_memory();
 
 /// Every job, in the order of the table.
@@ -92,16 +99,17 @@ class PlainWork : public Work {
   Database db_;
 };
 
-/// The plain side for the server of a place; `Side` is a template over the connection.
+/// The plain side for the server of a place; `Side` is a template over the connection. Static, because g++ 12 takes
+/// templates of one name in two files' unnamed namespaces for the same argument.
 template <template <class> class Side>
-std::unique_ptr<Work> make_plain(const Place& place) {
+static std::unique_ptr<Work> make_plain(const Place& place) {
   if (place.server == Server::sqlite) return std::make_unique<Side<PlainSqlite>>(place);
   return std::make_unique<Side<PlainOdbc>>(place);
 }
 
 /// Both sides on the databases of these places, which may be one.
 template <class Ours, template <class> class Plain>
-Pair make_pair_of(const Place& ours, const Place& plain) {
+static Pair make_pair_of(const Place& ours, const Place& plain) {
   return {std::make_unique<Ours>(ours), make_plain<Plain>(plain)};
 }
 

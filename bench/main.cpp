@@ -18,7 +18,7 @@ constexpr int not_measured = 2;
 struct Arguments {
   std::string job;
   std::string server;
-  double seconds = 3;
+  double seconds = 2;
   std::string run_side;
   long times = 1000;
 };

@@ -40,16 +40,18 @@ class OurPayload : public OurWork {
   CLongBinary payload_;
 };
 
-class OurWriting final : public OurPayload {
+class OurPayloadWriting final : public OurPayload {
  public:
-  explicit OurWriting(const Place& place) : OurPayload(place) { set_blob_data(payload_, CString(make_payload())); }
+  explicit OurPayloadWriting(const Place& place) : OurPayload(place) {
+    set_blob_data(payload_, CString(make_payload()));
+  }
   void run() override {
     db().ExecuteSQL(remove_statement);
     set_prof_data(&db(), 0, profile_id, payload_);
   }
 };
 
-class OurReading final : public OurPayload {
+class OurPayloadReading final : public OurPayload {
  public:
   using OurPayload::OurPayload;
   void run() override { get_prof_data(&db(), 0, profile_id, payload_); }
@@ -82,9 +84,9 @@ class PlainPayload : public PlainWork<Database> {
 };
 
 template <class Database>
-class PlainWriting final : public PlainPayload<Database> {
+class PlainPayloadWriting final : public PlainPayload<Database> {
  public:
-  explicit PlainWriting(const Place& place)
+  explicit PlainPayloadWriting(const Place& place)
       : PlainPayload<Database>(place),
         remove_(this->db_.prepare(remove_statement)),
         insert_(this->db_.prepare("INSERT INTO CSPOPB (PROFID,OPTVAL) VALUES (?,?)", "ib")) {
@@ -105,7 +107,7 @@ class PlainWriting final : public PlainPayload<Database> {
 };
 
 template <class Database>
-class PlainReading final : public PlainPayload<Database> {
+class PlainPayloadReading final : public PlainPayload<Database> {
  public:
   using PlainPayload<Database>::PlainPayload;
   void run() override { this->read(); }
@@ -119,7 +121,7 @@ Job write_payload() {
   job.sqlite_limit = 1.2;
   job.mariadb_limit = 1.2;
   job.pair = [](Plant& plant) {
-    return make_pair_of<OurWriting, PlainWriting>(plant.make_database(), plant.make_database());
+    return make_pair_of<OurPayloadWriting, PlainPayloadWriting>(plant.make_database(), plant.make_database());
   };
   return job;
 }
@@ -131,8 +133,8 @@ Job read_payload() {
   job.mariadb_limit = 1.2;
   job.pair = [](Plant& plant) {
     const Place place = plant.make_database();
-    OurWriting(place).run();
-    return make_pair_of<OurReading, PlainReading>(place, place);
+    OurPayloadWriting(place).run();
+    return make_pair_of<OurPayloadReading, PlainPayloadReading>(place, place);
   };
   return job;
 }

@@ -36,6 +36,8 @@ struct LongColumn {
   const char* column;
 };
 
+/// The local moment of one in UTC.
+Moment local_of(const Moment& utc);
 /// The present, local or UTC.
 Moment local_now();
 Moment utc_now();

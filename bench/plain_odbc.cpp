@@ -37,6 +37,9 @@ PlainOdbcStatement::Buffer PlainOdbcStatement::buffer_of(char kind, int rows) {
     case 't':
       buffer = {SQL_C_CHAR, SQL_VARCHAR, 255, 0, 256, {}, {}};
       break;
+    case 'T':
+      buffer = {SQL_C_CHAR, SQL_VARCHAR, 4000, 0, 4001, {}, {}};
+      break;
     case 'b':  // bound to the caller's bytes
       buffer = {SQL_C_BINARY, SQL_LONGVARBINARY, 1, 0, 0, {}, {}};
       break;

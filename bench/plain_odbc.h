@@ -60,6 +60,10 @@ class PlainOdbcStatement {
   double real_at(int column) { return value_at<double>(column); }
   bool is_null_at(int column) { return indicator_at(column) == SQL_NULL_DATA; }
   Moment moment_at(int column);
+  void text_at(int column, std::string& value) {
+    const Buffer& buffer = columns_[static_cast<std::size_t>(column)];
+    value.assign(buffer.bytes.data() + row_ * buffer.width, static_cast<std::size_t>(buffer.indicators[row_]));
+  }
   /// Of a column behind those that `column_kinds` names, in pieces.
   void bytes_at(int column, std::string& value);
 

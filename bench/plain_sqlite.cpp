@@ -28,6 +28,19 @@ int digits(const char* text, int count) {
 
 }  // namespace
 
+Moment local_of(const Moment& utc) {
+  std::tm time{};
+  time.tm_year = utc.year - 1900;
+  time.tm_mon = utc.month - 1;
+  time.tm_mday = utc.day;
+  time.tm_hour = utc.hour;
+  time.tm_min = utc.minute;
+  time.tm_sec = utc.second;
+  const std::time_t seconds = timegm(&time);
+  localtime_r(&seconds, &time);
+  return moment_of(time, utc.millisecond * 1'000'000L);
+}
+
 Moment local_now() {
   timespec now{};
   clock_gettime(CLOCK_REALTIME, &now);

@@ -59,6 +59,7 @@ class PlainSqliteStatement {
   double real_at(int column) { return sqlite3_column_double(statement_, column); }
   bool is_null_at(int column) { return sqlite3_column_type(statement_, column) == SQLITE_NULL; }
   Moment moment_at(int column);
+  void text_at(int column, std::string& value) { bytes_at(column, value); }
   void bytes_at(int column, std::string& value) {
     const void* bytes = sqlite3_column_blob(statement_, column);
     value.assign(static_cast<const char*>(bytes), static_cast<std::size_t>(sqlite3_column_bytes(statement_, column)));

@@ -87,6 +87,14 @@ void Plant::add_samples(const Place& place, int first, int last) {
                  numbers(server_, first, last));
 }
 
+void Plant::add_revisions(const Place& place, int object, int count) {
+  run(place,
+      "INSERT INTO CSOBJREV (OBJID, OBJTYPE, REVISION, MAJORVER, MINORVER, FLAG, CTIME, CUSERID, CUSER, CREASON) "
+      "SELECT " +
+          std::to_string(object) + ", " + std::to_string(object_type) +
+          ", I, 0, I, 0, '2024-03-15 08:30:00.125', 7, 'anna', 'limits moved'" + numbers(server_, 1, count));
+}
+
 const Place& Plant::filled() {
   if (filled_ == nullptr) {
     auto place = make_database();

@@ -17,6 +17,8 @@ inline constexpr int profile_id = 1;
 inline constexpr int characteristics = 25;
 inline constexpr int pieces = 5;
 inline constexpr int rows_per_sample = characteristics * pieces;
+/// Of the objects that have revisions.
+inline constexpr int object_type = 3;
 
 /// The measured value that the filled tables hold for a place.
 double measured_value(int sample, int characteristic, int piece);
@@ -46,6 +48,8 @@ class Plant {
   const Place& filled();
   /// Fills that one up to 1,000,000 rows.
   const Place& filled_to_a_million();
+  /// Gives an object its revisions from 1 to `count`, without payloads.
+  void add_revisions(const Place& place, int object, int count);
 
  private:
   void run(const Place& place, const std::string& sql);
