@@ -11,6 +11,7 @@
 /// shares one among threads keeps `refresh` and its readers apart; a value that was found stays valid on its own.
 #pragma once
 
+#include <cstddef>
 #include <map>
 #include <memory>
 #include <vector>
@@ -35,7 +36,8 @@ class SystemSettingCache {
   struct Data {
     Data() = default;
     explicit Data(int size_bytes)
-        : data(size_bytes > 0 ? new unsigned char[size_bytes]() : nullptr), size(size_bytes) {}
+        : data(size_bytes > 0 ? new unsigned char[static_cast<std::size_t>(size_bytes)]() : nullptr),
+          size(size_bytes) {}
     ~Data() { delete[] data; }
     Data(const Data&) = delete;
     Data& operator=(const Data&) = delete;

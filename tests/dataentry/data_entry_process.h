@@ -4,25 +4,15 @@
 #include <string>
 #include <vector>
 
+#include "tests/support/helper_process.h"
+
 namespace test_support {
 
 /// A helper program that runs.
-class DataEntryProcess {
+class DataEntryProcess : public HelperProcess {
  public:
   /// Starts it with these arguments. Fails: std::runtime_error.
   explicit DataEntryProcess(const std::vector<std::string>& arguments);
-  ~DataEntryProcess();
-  DataEntryProcess(DataEntryProcess&& other) noexcept;
-  DataEntryProcess& operator=(DataEntryProcess&&) = delete;
-  DataEntryProcess(const DataEntryProcess&) = delete;
-  DataEntryProcess& operator=(const DataEntryProcess&) = delete;
-
-  /// Waits for its end; gives what it printed. Fails: std::runtime_error when it did not end well, with its output.
-  std::string finish();
-
- private:
-  int pid_ = -1;
-  int output_ = -1;
 };
 
 /// Starts it and waits for it.
