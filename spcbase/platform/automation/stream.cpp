@@ -150,7 +150,7 @@ class memory_stream final : public counted<IStream> {
   }
 
  private:
-  ~memory_stream() = default;
+  ~memory_stream() override = default;
   ULONGLONG bytes_left() const noexcept { return block_->size() > position_ ? block_->size() - position_ : 0; }
 
   std::shared_ptr<memory_block> block_;
