@@ -123,7 +123,7 @@ TEST(copy_blob, tells_of_memory_that_runs_out) {
   CLongBinary target;
   unsigned char byte = 0;
   try {
-    copy_blob(target, &byte, std::numeric_limits<long>::max());
+    copy_blob(target, &byte, std::numeric_limits<unsigned long>::max());
     ADD_FAILURE() << "nothing was thrown";
   } catch (CMemoryException* e) {
     e->Delete();

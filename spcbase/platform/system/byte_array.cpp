@@ -1,7 +1,6 @@
 #include "spcbase/platform/system/byte_array.h"
 
 #include <new>
-#include <stdexcept>
 
 #include "spcbase/platform/system/exceptions.h"
 
@@ -15,8 +14,6 @@ void CByteArray::SetSize(INT_PTR size, INT_PTR grow_by) {
   try {
     bytes_.resize(static_cast<std::size_t>(size));
   } catch (const std::bad_alloc&) {
-    AfxThrowMemoryException();
-  } catch (const std::length_error&) {
     AfxThrowMemoryException();
   }
 }
