@@ -221,6 +221,20 @@ TEST_P(Adding, an_attempt_whose_payload_failed_leaves_a_broken_revision_and_the_
   EXPECT_EQ(bytes_of(*get(2)), "a");
 }
 
+TEST_P(Adding, a_payload_is_its_own_whether_it_is_streamed_or_goes_through_a_buffer) {
+  const auto script = play();
+  for (const char* way : {"streamed", "buffered", "Streamed", "Buffered", "BUFFERED", "STREAMED"}) {
+    const bool buffered = way[0] == 'b' || way[0] == 'B';
+    if (buffered) script->on_regex("INSERT INTO .?CSREVDAT.*").once().refuse(error("HY000", 4711, "no streaming"));
+    add(way);
+  }
+  rev::RevisionManager reader(object_type, -1);
+  Texts read;
+  for (int revision = 1; revision <= 6; ++revision)
+    read.push_back(bytes_of(*reader.get_revision_info(&db(), -1, 5, revision)));
+  EXPECT_EQ(read, (Texts{"streamed", "buffered", "Streamed", "Buffered", "BUFFERED", "STREAMED"}));
+}
+
 TEST_P(Adding, in_the_callers_transaction_a_broken_revision_goes_with_it) {
   const auto script = play();
   script->on_regex("INSERT INTO .?CSREVDAT.*").refuse(error("HY000", 4711, "no room"));

@@ -72,8 +72,9 @@ void OdbcStatement::give_bytes(SQLUSMALLINT position, OdbcParameter& place, cons
   place.bound = false;
 }
 
-/// One server keeps the pieces that came before a cancelled rest, and takes them for the next execution's.
-void OdbcStatement::forget_pieces() {
+/// One driver keeps the pieces that came before a cancelled rest, and takes them for the next execution's; and it goes
+/// on reading a buffer that bytes once stood in when they come in pieces now.
+void OdbcStatement::prepare_anew() {
   checked("SQLPrepare", [&] { return SQLPrepare(handle_, odbc_text(sql_), static_cast<SQLINTEGER>(sql_.size())); });
   pieces_left_ = false;
   for (auto& place : parameters_)

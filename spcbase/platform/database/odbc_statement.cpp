@@ -64,6 +64,16 @@ void OdbcStatement::prepare(std::string_view sql) {
   }
 }
 
+/// Whether bytes come in pieces where they came whole before, or the other way round.
+bool OdbcStatement::changes_form(std::span<const Parameter> parameters) const {
+  const auto differ = [](const OdbcParameter& place, const Parameter& value) {
+    return (place.kind == ValueKind::bytes && value.kind == ValueKind::long_bytes) ||
+           (place.kind == ValueKind::long_bytes && value.kind == ValueKind::bytes);
+  };
+  return !std::equal(parameters_.begin(), parameters_.end(), parameters.begin(),
+                     [&](const OdbcParameter& place, const Parameter& value) { return !differ(place, value); });
+}
+
 void OdbcStatement::execute(std::span<const Parameter> parameters) {
   close();
   rows_affected_ = -1;
@@ -74,8 +84,8 @@ void OdbcStatement::execute(std::span<const Parameter> parameters) {
   session_.settle();
   if (applied_timeout_s_ != session_.query_timeout_s()) [[unlikely]]
     apply_timeout();
-  if (pieces_left_) [[unlikely]]
-    forget_pieces();
+  if (pieces_left_ || changes_form(parameters)) [[unlikely]]
+    prepare_anew();
   for (std::size_t i = 0; i < parameters.size(); ++i)
     give(static_cast<SQLUSMALLINT>(i + 1), parameters_[i], parameters[i]);
   if (columns_in_result_ != 0 && columns_.empty()) bind_as_described();

@@ -72,7 +72,8 @@ class OdbcStatement final : public Statement {
   void bind_parameter(SQLUSMALLINT position, OdbcParameter& place);
   void give_bytes(SQLUSMALLINT position, OdbcParameter& place, const Parameter& value);
   SQLRETURN send_pieces();
-  void forget_pieces();
+  bool changes_form(std::span<const Parameter> parameters) const;
+  void prepare_anew();
   OdbcColumn& long_column(unsigned column);
   SQLRETURN get_data(unsigned column, std::span<std::byte> piece, SQLLEN& left);
   void apply_timeout();
