@@ -267,7 +267,7 @@ TEST_P(Reading, a_streaming_refusal_is_the_callers_with_size_0_and_a_second_try_
   add_elsewhere("a");
   const auto script = play();
   script->on_regex("SELECT .*LEFT JOIN.*")
-      .times(4)
+      .times(2)
       .refuse_at_prepare(test_support::error("HY000", 4711, "no streaming"));
   EXPECT_FALSE(guarded([&] { return manager.get_revision_info(&db(), 0, 5, 1); }).ok());
   const auto read = guarded([&] { return manager.get_revision_info(&db(), 100, 5, 1); });

@@ -13,9 +13,11 @@ constexpr std::size_t most_kept = 256;
 
 /// Diagnostics by which a server says that it does not take a parameter where the literal stood.
 bool refuses_the_shape(const CDBException& failure) {
-  const auto state = failure.m_strStateNativeOrigin.view().substr(0, 11);
-  return state == "State:42000" || state == "State:42601" || state == "State:42P18" || state == "State:HY000" ||
-         state == "State:07009";
+  const auto said = failure.m_strStateNativeOrigin.view();
+  const auto state = said.substr(0, std::string_view("State:42000").size());
+  // SQLite's ODBC driver has no state for a syntax error, only its number 1; any other HY000 is a failure of its own.
+  return state == "State:42000" || state == "State:42601" || state == "State:42P18" || state == "State:07009" ||
+         said.starts_with("State:HY000,Native:1,");
 }
 
 }  // namespace
