@@ -3,6 +3,8 @@ find_package(PkgConfig REQUIRED)
 find_package(Threads REQUIRED)
 find_package(ICU REQUIRED COMPONENTS uc i18n)
 find_package(SQLite3 REQUIRED)
+find_package(LibXml2 REQUIRED)
+find_package(OpenSSL 3 REQUIRED COMPONENTS Crypto)
 pkg_check_modules(UUID REQUIRED IMPORTED_TARGET uuid)
 
 find_library(CCTZ_LIBRARY cctz REQUIRED)
