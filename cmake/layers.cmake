@@ -24,6 +24,6 @@ function(spcbase_test name)
     spcbase_internal spcbase_test_support spcbase_warnings spcbase_sanitizers spcbase_quick_build
     ${arg_LIBRARIES} GTest::gtest GTest::gmock)
   target_compile_definitions(${name}_test PRIVATE SPCBASE_TEST_DATA="${PROJECT_SOURCE_DIR}/tests/data")
-  add_test(NAME ${name} COMMAND ${name}_test --gtest_shuffle)
+  add_test(NAME ${name} COMMAND ${name}_test --gtest_shuffle --gtest_brief=1)
   set_tests_properties(${name} PROPERTIES LABELS ${name})
 endfunction()
