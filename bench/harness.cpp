@@ -108,12 +108,10 @@ void require_same_result(const Job& job, Pair& pair) {
                              text_of("%.17g", plain));
 }
 
-Line measure_times(const Job& job, Plant& plant, double seconds) {
-  Pair pair = job.pair(plant);
+Line measure_times(const Job& job, Pair pair, double limit, double seconds) {
   const bool compared = pair.plain != nullptr;
   require_same_statements(job, pair);
   require_same_result(job, pair);
-  const double limit = job.limit(plant.server());
   Clocked clocked(pair);
   const auto measured = [&] { return clocked.seconds_of("ours") / (compared ? clocked.seconds_of("plain") : 1e-6); };
   clocked.run_for(seconds);
@@ -154,9 +152,17 @@ void set_up_batches(char* program) {
 }
 
 Line measure(const Job& job, Plant& plant, double seconds) {
-  Line line = job.pair != nullptr ? measure_times(job, plant, seconds) : measure_growth(job, plant);
+  Line line = job.pair != nullptr ? measure_times(job, job.pair(plant), job.limit(plant.server()), seconds)
+                                  : measure_growth(job, plant);
   line.job = job.name;
   line.server = name_of(plant.server());
+  return line;
+}
+
+Line measure_alone(const Job& job, double seconds) {
+  Line line = measure_times(job, job.pair_alone(), job.alone_limit, seconds);
+  line.job = job.name;
+  line.server = "-";
   return line;
 }
 

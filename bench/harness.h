@@ -11,10 +11,10 @@ namespace bench {
 /// One line of the table.
 struct Line {
   std::string job;
-  std::string server;
-  std::string ours;   ///< with its unit
-  std::string plain;  ///< with its unit; "-" where there is no such side
-  std::string ratio;  ///< "-" where the limit is no ratio
+  std::string server;  ///< "-" for a job that needs none
+  std::string ours;    ///< with its unit
+  std::string plain;   ///< with its unit; "-" where there is no such side
+  std::string ratio;   ///< "-" where the limit is no ratio
   std::string limit;
   bool over = false;
 };
@@ -26,7 +26,10 @@ void set_up_batches(char* program);
 /// Fails: std::runtime_error when they do not do the same.
 Line measure(const Job& job, Plant& plant, double seconds);
 
-/// Prints the table: columns parted by " | ", one line for each job and server.
+/// The same for a job that needs no database.
+Line measure_alone(const Job& job, double seconds);
+
+/// Prints the table: columns parted by " | ", one line for each job and server, or for a job alone.
 void print_table(const std::vector<Line>& lines);
 
 }  // namespace bench

@@ -39,13 +39,18 @@ struct Growth {
   double plain_mib = 0;
 };
 
-/// One line of the table for each server. Either `pair` is set, and times are measured, or `growth`.
+/// One line of the table for each server, or one line alone. Either `pair` is set, and times are measured, or `growth`,
+/// or `pair_alone`.
 struct Job {
   std::string name;
   double sqlite_limit = 0;  ///< times plain; without a plain side microseconds; of a growth MiB for ours
   double mariadb_limit = 0;
   Pair (*pair)(Plant&) = nullptr;
   Growth (*growth)(Plant&) = nullptr;
+  Pair (*pair_alone)() = nullptr;  ///< two sides that need no database: measured once, not for each server
+  double alone_limit = 0;          ///< of `pair_alone`; as the other limits
+
+  bool needs_server() const { return pair_alone == nullptr; }
 
   double limit(Server server) const { return server == Server::sqlite ? sqlite_limit : mariadb_limit; }
 };
@@ -67,6 +72,15 @@ Job scan_memory();
 
 /// Every job, in the order of the table.
 std::vector<Job> all_jobs();
+
+/// A side that needs no database.
+class WorkAlone : public Work {
+ public:
+  Tally statements_of_one() override {
+    run();
+    return {};
+  }
+};
 
 /// Our side on a connection of its own.
 class OurWork : public Work {

@@ -23,9 +23,10 @@ struct Arguments {
   long times = 1000;
 };
 
-void run_side(const Job& job, Plant& plant, const Arguments& arguments) {
-  if (job.pair == nullptr) return;
-  const Pair pair = job.pair(plant);
+/// The word by which the jobs without a database are chosen in place of a server's.
+constexpr const char* no_server = "none";
+
+void run_side(const Pair& pair, const Arguments& arguments) {
   Work* work = (arguments.run_side == "ours" ? pair.ours : pair.plain).get();
   for (long i = 0; work != nullptr && i < arguments.times; ++i)
     work->run();
@@ -36,11 +37,27 @@ void run_server(Server server, const Arguments& arguments, const std::vector<Job
   Plant plant(server);
   for (const Job& job : jobs) {
     std::fprintf(stderr, "%s, %s\n", job.name.c_str(), name_of(server));
-    if (!arguments.run_side.empty())
-      run_side(job, plant, arguments);
-    else
+    if (arguments.run_side.empty())
       lines.push_back(measure(job, plant, arguments.seconds));
+    else if (job.pair != nullptr)
+      run_side(job.pair(plant), arguments);
   }
+}
+
+void run_alone(const Arguments& arguments, const std::vector<Job>& jobs, std::vector<Line>& lines) {
+  for (const Job& job : jobs) {
+    std::fprintf(stderr, "%s\n", job.name.c_str());
+    if (arguments.run_side.empty())
+      lines.push_back(measure_alone(job, arguments.seconds));
+    else
+      run_side(job.pair_alone(), arguments);
+  }
+}
+
+/// The jobs that run on servers, or those that need none.
+std::vector<Job> those(std::vector<Job> jobs, bool on_servers) {
+  std::erase_if(jobs, [&](const Job& job) { return job.needs_server() != on_servers; });
+  return jobs;
 }
 
 /// What is asked for, out of all there is. Fails: std::invalid_argument when that is nothing.
@@ -53,12 +70,17 @@ std::vector<Item> chosen(std::vector<Item> all, const std::string& part, NameOf 
 
 int run(const Arguments& arguments) {
   const auto jobs = chosen(all_jobs(), arguments.job, [](const Job& job) { return job.name; });
-  const auto servers = chosen(std::vector{Server::sqlite, Server::mariadb}, arguments.server,
-                              [](Server server) { return std::string(name_of(server)); });
+  const auto places = chosen(std::vector<std::string>{name_of(Server::sqlite), name_of(Server::mariadb), no_server},
+                             arguments.server, [](const std::string& place) { return place; });
+  const auto on_servers = those(jobs, true);
   bind_to_one_cpu();
   std::vector<Line> lines;
-  for (const Server server : servers)
-    run_server(server, arguments, jobs, lines);
+  for (const std::string& place : places) {
+    if (place == no_server)
+      run_alone(arguments, those(jobs, false), lines);
+    else if (!on_servers.empty())
+      run_server(place == name_of(Server::sqlite) ? Server::sqlite : Server::mariadb, arguments, on_servers, lines);
+  }
   if (!arguments.run_side.empty()) return 0;
   print_table(lines);
   for (const Line& line : lines)
@@ -71,10 +93,10 @@ int guarded_main(int count, char** words) {
     return scan_and_print_growth(words[2], words[3], words[4]);
   Arguments arguments;
   CLI::App app(
-      "Measures each job beside the same statements in plain C. The last lines are one table.\n"
+      "Measures each job beside the same work in plain C. The last lines are one table.\n"
       "Exit status: 0 all within their limits, 1 some over, 2 not measured.");
   app.add_option("--job", arguments.job, "only jobs whose name holds this text");
-  app.add_option("--server", arguments.server, "only SQLite or only MariaDB");
+  app.add_option("--server", arguments.server, "only SQLite, only MariaDB, or none: only the jobs without a database");
   app.add_option("--seconds", arguments.seconds, "how long each line is measured")->capture_default_str();
   app.add_option("--run", arguments.run_side, "no table: does the work of one side, for a profiler")
       ->check(CLI::IsMember({"ours", "plain"}));
