@@ -6,18 +6,6 @@
 
 namespace {
 
-// Makes a message source current for its scope.
-class SourceSwitch {
- public:
-  explicit SourceSwitch(HINSTANCE source) noexcept : previous_(AfxGetResourceHandle()) { AfxSetResourceHandle(source); }
-  ~SourceSwitch() { AfxSetResourceHandle(previous_); }
-  SourceSwitch(const SourceSwitch&) = delete;
-  SourceSwitch& operator=(const SourceSwitch&) = delete;
-
- private:
-  HINSTANCE previous_;
-};
-
 // Holds a text that the system allocated.
 class SystemText {
  public:
@@ -38,8 +26,14 @@ class SystemText {
 
 }  // namespace
 
+OwnMessages::OwnMessages() noexcept : previous_(AfxGetResourceHandle()) {
+  AfxSetResourceHandle(own_messages().handle());
+}
+
+OwnMessages::~OwnMessages() { AfxSetResourceHandle(previous_); }
+
 CString load_message(UINT id) {
-  const SourceSwitch ours(own_messages().handle());
+  const OwnMessages ours;
   CString text;
   text.LoadString(id);
   return text;

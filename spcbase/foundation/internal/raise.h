@@ -7,8 +7,21 @@
 #include "spcbase/platform/system/types.h"
 #include "spcbase/platform/text/cstring.h"
 
-/// The text with this number from the library's own table, empty for an unknown number. A host carries a table of its
-/// own, so the thread's current message source is changed for the look-up and put back, also when this throws.
+/// Makes the library's own table the thread's current message source for a scope: a host carries a table of its own,
+/// which comes back at the end, however the scope is left.
+class OwnMessages {
+ public:
+  OwnMessages() noexcept;
+  ~OwnMessages();
+  OwnMessages(const OwnMessages&) = delete;
+  OwnMessages& operator=(const OwnMessages&) = delete;
+
+ private:
+  HINSTANCE previous_;
+};
+
+/// The text with this number from the library's own table, empty for an unknown number. The thread's current message
+/// source is the same before and after.
 CString load_message(UINT id);
 
 /// Fails: always, `DBException` with the text and 0x80004005.
