@@ -2,29 +2,16 @@
 
 #include <algorithm>
 #include <cstring>
+#include <utility>
 
-#include "spcbase/foundation/failure.h"
+#include "spcbase/foundation/internal/hand_over.h"
+#include "spcbase/foundation/internal/locked_block.h"
 #include "spcbase/foundation/internal/raise.h"
 #include "spcbase/platform/database/field_exchange.h"
 #include "spcbase/platform/system/exceptions.h"
+#include "spcbase/platform/system/internal/block_exchange.h"
 
 namespace {
-
-/// A block's address for a scope.
-class LockedBlock {
- public:
-  explicit LockedBlock(HGLOBAL block) : block_(block), bytes_(static_cast<unsigned char*>(GlobalLock(block))) {
-    if (bytes_ == nullptr) throw_global_lock_error_exception();
-  }
-  ~LockedBlock() { GlobalUnlock(block_); }
-  LockedBlock(const LockedBlock&) = delete;
-  LockedBlock& operator=(const LockedBlock&) = delete;
-  unsigned char* bytes() const { return bytes_; }
-
- private:
-  HGLOBAL block_;
-  unsigned char* bytes_;
-};
 
 int free_block(CLongBinary& target) {
   GlobalFree(target.m_hData);
@@ -73,6 +60,26 @@ int copy_blob(CLongBinary& target, const CLongBinary& source) {
   }
   const LockedBlock block(source.m_hData);
   return fill(target, block.bytes(), count);
+}
+
+int hand_blob_over(CLongBinary& target, CLongBinary& source) {
+  const auto count = block_size(source);
+  const auto room = block_size(target);
+  if (count == 0 || room > count || &target == &source) return copy_blob(target, source);
+  if (room < count) {
+    GlobalFree(target.m_hData);
+    target.m_hData = std::exchange(source.m_hData, nullptr);
+    source.m_dwDataLength = 0;
+  } else if (!platform::exchange_bytes(target.m_hData, source.m_hData)) {
+    return copy_blob(target, source);
+  }
+  target.m_dwDataLength = static_cast<DWORD>(count);
+  return static_cast<int>(count);
+}
+
+void hand_blob_over(BlobRSHelper& field, CRecordset& rs, CLongBinary& target) {
+  if (field.maximum_size != 0 || rs.IsFieldNull(field.field()) != FALSE) return field.get_blob_long_bin(rs, target);
+  hand_blob_over(target, field.get_long_bin());
 }
 
 int copy_blob(CLongBinary& target, const CByteArray& source) {

@@ -79,6 +79,8 @@ class SPCBASE_API BlobRSHelper {
   const int maximum_size;
 
  private:
+  friend void hand_blob_over(BlobRSHelper& field, CRecordset& rs, CLongBinary& target);
+
   CByteArray& get_byte_array() const;
   CLongBinary& get_long_bin() const;
   /// The address by which the recordset knows the field.

@@ -2,6 +2,7 @@
 
 #include "spcbase/foundation/failure.h"
 #include "spcbase/foundation/internal/blob_retry.h"
+#include "spcbase/foundation/internal/hand_over.h"
 #include "spcbase/foundation/internal/opening.h"
 #include "spcbase/foundation/schema/payloads.h"
 
@@ -20,7 +21,7 @@ class PayloadRow {
     if (rs_.m_bEOF != FALSE)
       copy_blob(data, nullptr, 0UL);
     else
-      rs_.get_blob_long_bin(rs_, data);
+      hand_blob_over(rs_, rs_, data);
     rs_.Close();
     return static_cast<int>(data.m_dwDataLength);
   }

@@ -1,8 +1,9 @@
 // Plan
 //   The copies between holders and texts: sizes, blocks that stay, what lies behind the data -> copy_blob.*,
 //     set_blob_data.*, get_blob_data.*
-//   The field of a blob column in both modes, on every server -> BlobRSHelper_live.*, its construction ->
-//   BlobRSHelper.* The retry: which sizes, how many calls, what passes -> run_with_blob_retry.*
+//   Handing a block over where a copy would leave the same -> hand_blob_over.*
+//   The field of a blob column: its construction -> BlobRSHelper.*, both modes, on every server -> BlobRSHelper_live.*
+//   The retry: which sizes, how many calls, what passes -> run_with_blob_retry_reading.*, run_with_blob_retry_writing.*
 #include "spcbase/foundation/blob.h"
 
 #include <gtest/gtest.h>
@@ -15,6 +16,7 @@
 
 #include "spcbase/foundation/failure.h"
 #include "spcbase/foundation/internal/blob_retry.h"
+#include "spcbase/foundation/internal/hand_over.h"
 #include "spcbase/foundation/internal/opening.h"
 #include "spcbase/foundation/outcome.h"
 #include "spcbase/foundation/schema.h"
@@ -130,6 +132,69 @@ TEST(copy_blob, tells_of_memory_that_runs_out) {
   }
   EXPECT_EQ(target.m_hData, nullptr);
   EXPECT_EQ(target.m_dwDataLength, 0U);
+}
+
+// What is handed over is what a copy would be, by the block's handle where it stays, its size, its length and its
+// bytes.
+TEST(hand_blob_over, leaves_what_a_copy_leaves_whatever_the_target_held) {
+  for (const std::string held : {"", "abc", "0123456789", "a longer block than the bytes"}) {
+    for (const std::string bytes : {"", "9876543210"}) {
+      SCOPED_TRACE(held + " <- " + bytes);
+      CLongBinary source;
+      CLongBinary copied;
+      CLongBinary handed;
+      put(source, bytes);
+      put(copied, held);
+      put(handed, held);
+      const HGLOBAL before = handed.m_hData;
+      const int count = copy_blob(copied, source);
+      EXPECT_EQ(hand_blob_over(handed, source), count);
+      EXPECT_EQ(bytes_of(handed), bytes);
+      EXPECT_EQ(handed.m_dwDataLength, copied.m_dwDataLength);
+      EXPECT_EQ(handed.m_hData == nullptr, copied.m_hData == nullptr);
+      if (bytes.empty()) continue;
+      EXPECT_EQ(GlobalSize(handed.m_hData), GlobalSize(copied.m_hData));
+      EXPECT_EQ(handed.m_hData == before, held.size() >= bytes.size()) << "a block that is large enough stays";
+    }
+  }
+}
+
+TEST(hand_blob_over, copies_no_bytes_into_a_target_without_a_block_or_with_one_of_the_same_size) {
+  for (const std::string held : {"", "0123456789"}) {
+    CLongBinary source;
+    CLongBinary target;
+    put(source, "9876543210");
+    put(target, held);
+    const void* const address = GlobalLock(source.m_hData);
+    GlobalUnlock(source.m_hData);
+    EXPECT_EQ(hand_blob_over(target, source), 10);
+    EXPECT_EQ(GlobalLock(target.m_hData), address);
+    GlobalUnlock(target.m_hData);
+    EXPECT_EQ(bytes_of(target), "9876543210");
+  }
+}
+
+TEST(hand_blob_over, copies_into_a_block_that_its_owner_has_locked) {
+  CLongBinary source;
+  CLongBinary target;
+  put(source, "abc");
+  put(target, "xyz");
+  const auto* address = static_cast<const char*>(GlobalLock(target.m_hData));
+  EXPECT_EQ(hand_blob_over(target, source), 3);
+  EXPECT_EQ(std::string_view(address, 3), "abc");
+  GlobalUnlock(target.m_hData);
+}
+
+TEST(hand_blob_over, takes_the_whole_of_the_block_as_a_copy_does) {
+  for (const std::string held : {"", "0123456789"}) {
+    CLongBinary source;
+    CLongBinary target;
+    put(source, "9876543210");
+    source.m_dwDataLength = 3;
+    put(target, held);
+    EXPECT_EQ(hand_blob_over(target, source), 10);
+    EXPECT_EQ(bytes_of(target), "9876543210");
+  }
 }
 
 TEST(set_blob_data, stores_a_text_as_its_bytes_without_terminator) {

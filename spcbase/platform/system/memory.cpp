@@ -4,7 +4,9 @@
 #include <cstdlib>
 #include <cstring>
 #include <new>
+#include <utility>
 
+#include "spcbase/platform/system/internal/block_exchange.h"
 #include "spcbase/platform/system/system_error.h"
 
 namespace {
@@ -175,6 +177,18 @@ UINT GlobalFlags(HGLOBAL block) noexcept {
   if (!is_movable(block)) return 0;
   const Movable* movable = movable_of(block);
   return movable->data ? movable->locks : discarded;
+}
+
+bool platform::exchange_bytes(HGLOBAL one, HGLOBAL other) noexcept {
+  if (!one || !other || !is_movable(one) || !is_movable(other)) return false;
+  Movable* first = movable_of(one);
+  Movable* second = movable_of(other);
+  if (first->locks != 0 || second->locks != 0 || GlobalSize(one) != GlobalSize(other)) return false;
+  if (!first->data || !second->data) return false;
+  std::swap(first->data, second->data);
+  header_of(first->data)->handle = one;
+  header_of(second->data)->handle = other;
+  return true;
 }
 
 void* CoTaskMemAlloc(std::size_t size_bytes) noexcept { return std::malloc(size_bytes ? size_bytes : 1); }

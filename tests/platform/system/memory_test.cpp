@@ -1,6 +1,7 @@
 // Plan
 // - the recorded sequence: sizes, locks, the three unlocks, the empty block, null handles
 // - movable and fixed blocks: handle and address, growing and shrinking, locked blocks, filling with zeros
+// - trading the bytes of two blocks, and the blocks that refuse it
 // - GlobalHandle leads back; GlobalFlags tells locks and the empty block; the task allocator
 #include "spcbase/platform/system/memory.h"
 
@@ -12,6 +13,7 @@
 #include <map>
 #include <string>
 
+#include "spcbase/platform/system/internal/block_exchange.h"
 #include "spcbase/platform/system/system_error.h"
 #include "tests/support/vector_file.h"
 
@@ -179,6 +181,54 @@ TEST(CoTaskMem, grows_and_keeps_the_bytes) {
   EXPECT_STREQ(text, "abc");
   EXPECT_EQ(CoTaskMemRealloc(text, 0), nullptr);
   CoTaskMemFree(nullptr);
+}
+
+HGLOBAL block_of(UINT flags, const std::string& bytes) {
+  HGLOBAL block = GlobalAlloc(flags, bytes.size());
+  if (!bytes.empty()) std::memcpy(GlobalLock(block), bytes.data(), bytes.size());
+  GlobalUnlock(block);
+  return block;
+}
+
+std::string text_in(HGLOBAL block) {
+  std::string bytes(static_cast<const char*>(GlobalLock(block)), GlobalSize(block));
+  GlobalUnlock(block);
+  return bytes;
+}
+
+TEST(exchange_bytes, gives_each_block_the_others_address_and_leaves_handles_and_sizes) {
+  HGLOBAL one = block_of(GMEM_MOVEABLE, "one");
+  HGLOBAL two = block_of(GMEM_MOVEABLE, "two");
+  void* const address = GlobalLock(one);
+  GlobalUnlock(one);
+  EXPECT_TRUE(platform::exchange_bytes(one, two));
+  EXPECT_EQ(text_in(one), "two");
+  EXPECT_EQ(text_in(two), "one");
+  EXPECT_EQ(GlobalLock(two), address) << "nothing was copied";
+  EXPECT_EQ(GlobalHandle(address), two);
+  GlobalUnlock(two);
+  GlobalFree(one);
+  EXPECT_EQ(text_in(two), "one") << "each is released by its own handle";
+  GlobalFree(two);
+}
+
+TEST(exchange_bytes, refuses_locked_fixed_empty_and_missing_blocks_and_those_of_another_size) {
+  HGLOBAL block = block_of(GMEM_MOVEABLE, "abc");
+  HGLOBAL locked = block_of(GMEM_MOVEABLE, "def");
+  GlobalLock(locked);
+  HGLOBAL fixed = block_of(GMEM_FIXED, "ghi");
+  HGLOBAL longer = block_of(GMEM_MOVEABLE, "jklm");
+  HGLOBAL empty = GlobalAlloc(GMEM_MOVEABLE, 0);
+  HGLOBAL also_empty = GlobalAlloc(GMEM_MOVEABLE, 0);
+  for (HGLOBAL other : {locked, fixed, longer, empty, HGLOBAL{}}) {
+    EXPECT_FALSE(platform::exchange_bytes(block, other));
+    EXPECT_FALSE(platform::exchange_bytes(other, block));
+  }
+  EXPECT_FALSE(platform::exchange_bytes(empty, also_empty));
+  EXPECT_EQ(text_in(block), "abc");
+  EXPECT_EQ(text_in(longer), "jklm");
+  for (HGLOBAL each : {block, locked, fixed, longer, empty, also_empty})
+    GlobalFree(each);
 }
 
 }  // namespace
