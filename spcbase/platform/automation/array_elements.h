@@ -11,6 +11,10 @@ namespace automation_detail {
 /// The size of all elements in bytes; nothing when it does not fit the 32 bits that arrays count in.
 std::optional<std::size_t> array_size(const SAFEARRAY& array) noexcept;
 
+/// A new array of one dimension whose elements are the bits at `elements`; with them it takes over what they own.
+/// Fails: null, as `SafeArrayCreate`; the elements are then still the caller's.
+SAFEARRAY* make_filled_array(VARTYPE type, SAFEARRAYBOUND bound, const void* elements) noexcept;
+
 /// Gives back what the elements in `size_bytes` bytes from `first` own and leaves them zero.
 /// Fails: as `VariantClear` of an element that cannot be cleared; the elements before it are zero, the rest as they
 /// were.

@@ -72,12 +72,12 @@ class safe_array_access {
   explicit safe_array_access(SAFEARRAY* array) noexcept : array_(array), result_(SafeArrayAccessData(array, &data_)) {}
   safe_array_access(const safe_array_access&) = delete;
   safe_array_access& operator=(const safe_array_access&) = delete;
-  ~safe_array_access() {
-    if (SUCCEEDED(result_)) SafeArrayUnaccessData(array_);
-  }
+  ~safe_array_access() { end(); }
 
   /// What `SafeArrayAccessData` gave.
   HRESULT result() const noexcept { return result_; }
+  /// Gives the data back now, and tells what `SafeArrayUnaccessData` gave. Nothing when that was done or not needed.
+  HRESULT end() noexcept { return SUCCEEDED(std::exchange(result_, E_FAIL)) ? SafeArrayUnaccessData(array_) : S_OK; }
   /// The elements as what they are; null when the access failed.
   template <class T>
   T* as() const noexcept {

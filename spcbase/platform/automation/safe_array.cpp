@@ -62,14 +62,29 @@ bool upper_bound_fits(const SAFEARRAYBOUND& bound) {
   return std::int64_t{bound.lLbound} + bound.cElements - 1 <= std::numeric_limits<LONG>::max();
 }
 
-SAFEARRAY* make_array(SAFEARRAY* array, const SAFEARRAYBOUND* bounds) {
+// Data of undetermined bytes, for who fills them at once. An array without elements has an address, too.
+HRESULT alloc_raw_data(SAFEARRAY& array, std::size_t& size) {
+  const std::optional<std::size_t> wanted = array_size(array);
+  if (!wanted) return E_INVALIDARG;
+  size = *wanted;
+  array.pvData = std::malloc(size == 0 ? 1 : size);
+  return array.pvData == nullptr ? E_OUTOFMEMORY : S_OK;
+}
+
+SAFEARRAY* make_array(VARTYPE type, UINT dimensions, const SAFEARRAYBOUND* bounds, const void* elements) {
+  SAFEARRAY* array = nullptr;
+  if (bounds == nullptr || FAILED(SafeArrayAllocDescriptorEx(type, dimensions, &array))) return nullptr;
   SAFEARRAYBOUND* const reversed = array->rgsabound;
   bool good = true;
-  for (UINT i = 0; i < array->cDims; ++i) {
-    reversed[array->cDims - 1U - i] = bounds[i];
+  for (UINT i = 0; i < dimensions; ++i) {
+    reversed[dimensions - 1U - i] = bounds[i];
     good = good && upper_bound_fits(bounds[i]);
   }
-  if (good && SUCCEEDED(SafeArrayAllocData(array))) return array;
+  std::size_t size = 0;
+  if (good && SUCCEEDED(elements == nullptr ? SafeArrayAllocData(array) : alloc_raw_data(*array, size))) {
+    if (size != 0) std::memcpy(array->pvData, elements, size);
+    return array;
+  }
   SafeArrayDestroyDescriptor(array);
   return nullptr;
 }
@@ -116,11 +131,13 @@ SAFEARRAY* SafeArrayCreate(VARTYPE type, UINT dimensions, SAFEARRAYBOUND* bounds
 }
 
 SAFEARRAY* SafeArrayCreateEx(VARTYPE type, UINT dimensions, SAFEARRAYBOUND* bounds, PVOID extra) noexcept {
-  SAFEARRAY* array = nullptr;
-  if (bounds == nullptr || FAILED(SafeArrayAllocDescriptorEx(type, dimensions, &array))) return nullptr;
-  array = make_array(array, bounds);
+  SAFEARRAY* const array = make_array(type, dimensions, bounds, nullptr);
   if (array != nullptr && extra != nullptr) SafeArraySetIID(array, *static_cast<const GUID*>(extra));
   return array;
+}
+
+SAFEARRAY* automation_detail::make_filled_array(VARTYPE type, SAFEARRAYBOUND bound, const void* elements) noexcept {
+  return make_array(type, 1, &bound, elements);
 }
 
 SAFEARRAY* SafeArrayCreateVector(VARTYPE type, LONG lower_bound, ULONG count) noexcept {

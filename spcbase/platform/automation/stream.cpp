@@ -99,8 +99,10 @@ class memory_stream final : public counted<IStream> {
     if (origin > STREAM_SEEK_END) return STG_E_INVALIDFUNCTION;
     const ULONGLONG starts[] = {0, position_, block_->size()};
     LONGLONG target = 0;
+    // The documents of IStream::Seek name this code for a place before the start; the seek error (0x80030019) that was
+    // recorded elsewhere is not among the codes they name.
     if (__builtin_add_overflow(static_cast<LONGLONG>(starts[origin]), distance.QuadPart, &target) || target < 0) {
-      return STG_E_SEEKERROR;
+      return STG_E_INVALIDFUNCTION;
     }
     position_ = static_cast<ULONGLONG>(target);
     if (position != nullptr) position->QuadPart = position_;

@@ -50,8 +50,8 @@ struct ISequentialStream : IUnknown {
 
 /// A stream with a position.
 struct IStream : ISequentialStream {
-  /// Moves the position, beyond the end too. Fails: STG_E_SEEKERROR before the start, STG_E_INVALIDFUNCTION for an
-  /// unknown origin; the position stays.
+  /// Moves the position, beyond the end too. Fails: STG_E_INVALIDFUNCTION before the start and for an unknown origin;
+  /// the position stays.
   virtual HRESULT Seek(LARGE_INTEGER distance, DWORD origin, ULARGE_INTEGER* position) = 0;
   /// Cuts the stream or lets it grow by zeros; the position stays. Fails: STG_E_MEDIUMFULL.
   virtual HRESULT SetSize(ULARGE_INTEGER size) = 0;

@@ -77,11 +77,22 @@ TEST(Stream, sizes_beyond_32_bits_are_refused_and_change_nothing) {
   write(stream, "abc");
   EXPECT_EQ(stream->SetSize({0x100000000ULL}), STG_E_MEDIUMFULL);
   ASSERT_EQ(stream->Seek({std::numeric_limits<LONGLONG>::max()}, STREAM_SEEK_SET, nullptr), S_OK);
-  EXPECT_EQ(stream->Seek({1}, STREAM_SEEK_CUR, nullptr), STG_E_SEEKERROR);
+  EXPECT_EQ(stream->Seek({1}, STREAM_SEEK_CUR, nullptr), STG_E_INVALIDFUNCTION);
   ULONG written = 99;
   EXPECT_EQ(stream->Write("x", 1, &written), STG_E_MEDIUMFULL);
   EXPECT_EQ(written, 0U);
   EXPECT_EQ(read_from(stream, 0), "abc");
+}
+
+TEST(Stream, a_place_before_the_start_is_an_invalid_function_and_the_position_stays) {
+  const stream_pointer stream = new_stream();
+  write(stream, "abc");
+  EXPECT_EQ(stream->Seek({-1}, STREAM_SEEK_SET, nullptr), STG_E_INVALIDFUNCTION);
+  EXPECT_EQ(stream->Seek({-4}, STREAM_SEEK_CUR, nullptr), STG_E_INVALIDFUNCTION);
+  EXPECT_EQ(stream->Seek({-4}, STREAM_SEEK_END, nullptr), STG_E_INVALIDFUNCTION);
+  ULARGE_INTEGER position{};
+  EXPECT_EQ(stream->Seek({0}, STREAM_SEEK_CUR, &position), S_OK);
+  EXPECT_EQ(position.QuadPart, 3U);
 }
 
 TEST(Stream, reports_a_block_that_cannot_grow) {
