@@ -22,7 +22,8 @@ constexpr long long exponent_limit = 1'000'000'000;
 
 class number_reader {
  public:
-  number_reader(std::u16string_view text, text_number& number) : text_(text), number_(number) {}
+  number_reader(std::u16string_view text, const platform::NumberMarks& marks, text_number& number)
+      : text_(text), marks_(marks), number_(number) {}
 
   HRESULT read() {
     skip_spaces();
@@ -77,9 +78,9 @@ class number_reader {
         any = true;
         if (c != u'0' || !number_.digits.empty()) number_.digits += static_cast<char>(c);
         if (point) --number_.exponent;
-      } else if (c == u'.' && !point) {
+      } else if (c == marks_.decimal && !point) {
         point = true;
-      } else if (c != u',' || !any) {
+      } else if (!any || !marks_.is_group(c)) {
         break;
       }
     }
@@ -131,6 +132,7 @@ class number_reader {
   }
 
   std::u16string_view text_;
+  const platform::NumberMarks& marks_;
   text_number& number_;
   std::size_t at_ = 0;
   bool sign_ = false;
@@ -160,7 +162,9 @@ bool rounds_up(const std::string& digits, std::size_t first, bool odd) {
 
 }  // namespace
 
-HRESULT read_number(std::u16string_view text, text_number& number) { return number_reader(text, number).read(); }
+HRESULT read_number(std::u16string_view text, const platform::NumberMarks& marks, text_number& number) {
+  return number_reader(text, marks, number).read();
+}
 
 HRESULT to_double(const text_number& number, double& value) {
   if (number.is_bits) {

@@ -1,4 +1,5 @@
-/// Numbers as texts by the rules of US English: the reader and the writers of the change-type calls. Internal.
+/// Numbers as texts: the reader and the writers of the change-type calls. Internal.
+/// The marks that part the digits are the caller's choice; everything else is by the rules of US English.
 #pragma once
 
 #include <cstdint>
@@ -6,6 +7,7 @@
 #include <string_view>
 
 #include "spcbase/platform/system/types.h"
+#include "spcbase/platform/text/number_marks.h"
 
 namespace automation_detail {
 
@@ -26,9 +28,9 @@ struct text_number {
 };
 
 /// Reads a number. White space may stand around it and between its signs and its digits; a sign before or behind, or
-/// brackets, make it negative; one "$" may stand before it; commas behind the first digit are passed over.
+/// brackets, make it negative; one "$" may stand before it; group marks behind the first digit are passed over.
 /// Fails: DISP_E_TYPEMISMATCH when the text is no number, DISP_E_OVERFLOW for more than 64 bits of "&H" or "&O".
-HRESULT read_number(std::u16string_view text, text_number& number);
+HRESULT read_number(std::u16string_view text, const platform::NumberMarks& marks, text_number& number);
 
 /// The nearest double; what is too small becomes zero. Fails: DISP_E_OVERFLOW.
 HRESULT to_double(const text_number& number, double& value);
@@ -44,6 +46,7 @@ HRESULT to_whole(double number, whole_number& value);
 whole_number currency_to_whole(std::int64_t value);
 
 /// "12.5", "1E+15", "INF": the shortest form of at most `digits` significant digits; zero has no sign.
+/// Shape of these texts: ASCII, with a point.
 std::string real_text(double value, int digits);
 
 /// "-1.5" from -15000.
