@@ -43,7 +43,11 @@ std::string without_escapes(const std::string& cell) {
         result.push_back(static_cast<char>(std::stoi(cell.substr(i + 1, 2), nullptr, 16)));
         i += 2;
         break;
-      default:
+      case '\\':
+        result.push_back(code);
+        break;
+      default:  // no escape: some rows have the paths of a drive as they are
+        result.push_back('\\');
         result.push_back(code);
     }
   }
