@@ -87,9 +87,9 @@ std::pair<bool, int> RevisionManager::approve_as_major(CDatabase* database, int 
   copy->cuser = approval.auser;
   copy->creason = reason_of_duplicate(record);
   copy->approval = std::make_shared<RevisionApprovalInfo>(approval);
-  ++copy->majorver;
+  copy->majorver = next_number(record.majorver);
   copy->minorver = 0;
-  ++copy->revision;
+  copy->revision = next_number(record.revision);
   copy->ctime = COleDateTime::GetCurrentTime();
   copy->approval->atime = copy->ctime;
   write_revision(database, maximum_blob_size, objtype_, object_id, *copy);

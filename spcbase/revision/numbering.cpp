@@ -9,15 +9,16 @@ namespace rev {
 
 CString filter_for(const RevisionKey& key) {
   CString filter;
-  const int id = key.object_id;
-  const int type = key.object_type;
-  if (key.revision == 0)
-    filter.Format(
-        "OBJID = %d AND OBJTYPE = %d AND REVISION = (SELECT MAX(REVISION) FROM CSOBJREV WHERE OBJID = %d AND "
-        "OBJTYPE = %d)",
-        id, type, id, type);
-  else
-    filter.Format("OBJID = %d AND OBJTYPE = %d AND REVISION = %d", id, type, key.revision);
+  filter.Format("OBJID = %d AND OBJTYPE = %d AND REVISION = %d", key.object_id, key.object_type, key.revision);
+  return filter;
+}
+
+CString filter_for_highest(int object_type, int object_id) {
+  CString filter;
+  filter.Format(
+      "OBJID = %d AND OBJTYPE = %d AND REVISION = (SELECT MAX(REVISION) FROM CSOBJREV WHERE OBJID = %d AND "
+      "OBJTYPE = %d)",
+      object_id, object_type, object_id, object_type);
   return filter;
 }
 
@@ -28,14 +29,14 @@ CString cut_reason(const CString& reason) {
 
 RevisionNumber next_revision(CDatabase* database, int object_id, int object_type, bool major) {
   RSOBJREVWithVersion rows(database);
-  rows.m_strFilter = filter_for({object_type, object_id, 0});
+  rows.m_strFilter = filter_for_highest(object_type, object_id);
   if (!open_for_read(rows)) throw_can_not_open_rs_exception();
   // The first version is 0.1, a major one too.
   RevisionNumber next{1, 0, 1};
   if (!rows.IsEOF()) {
-    next.revision = static_cast<int>(rows.revision) + 1;
-    next.majorver = static_cast<int>(rows.majorver) + (major ? 1 : 0);
-    next.minorver = major ? 0 : static_cast<int>(rows.minorver) + 1;
+    next.revision = next_number(rows.revision);
+    next.majorver = major ? next_number(rows.majorver) : static_cast<int>(rows.majorver);
+    next.minorver = major ? 0 : next_number(rows.minorver);
   }
   rows.Close();
   return next;

@@ -3,6 +3,7 @@
 
 #include "spcbase/foundation/failure.h"
 #include "spcbase/foundation/internal/blob_retry.h"
+#include "spcbase/foundation/internal/hand_over.h"
 #include "spcbase/foundation/internal/opening.h"
 #include "spcbase/revision/internal/rows.h"
 #include "spcbase/revision/manager.h"
@@ -12,12 +13,12 @@ namespace {
 
 std::shared_ptr<RevisionInfo> read_once(CDatabase* database, int buffer_size, const RevisionKey& key) {
   RSFullRevisionInfo rows(database, buffer_size);
-  rows.m_strFilter = filter_for(key);
+  rows.m_strFilter = key.revision == 0 ? filter_for_highest(key.object_type, key.object_id) : filter_for(key);
   if (!open_for_read(rows)) throw_can_not_open_rs_exception();
   if (rows.IsEOF()) return nullptr;
   auto record = std::make_shared<RevisionInfo>();
-  take_row(rows, *record);
-  rows.get_blob_long_bin(rows, record->data.long_bin);
+  take_row(rows, LocalMomentReader(), *record);
+  hand_blob_over(rows, rows, record->data.long_bin);
   rows.Close();
   return record;
 }
@@ -52,9 +53,10 @@ int RevisionManager::get_all_revision(CDatabase* database, int object_id,
   RSOBJREV rows(database);
   rows.m_strFilter.Format("OBJID = %d AND OBJTYPE = %d", object_id, objtype_);
   if (!open_for_read(rows)) throw_can_not_open_rs_exception();
+  const LocalMomentReader moments;
   int highest = 0;
   for (; !rows.IsEOF(); rows.MoveNext()) {
-    take_row(rows, revisions.emplace_back());
+    take_row(rows, moments, revisions.emplace_back());
     highest = std::max(highest, revisions.back().revision);
   }
   rows.Close();

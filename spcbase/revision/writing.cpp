@@ -57,7 +57,7 @@ COleDateTime write_new_revision(CDatabase* database, int maximum_blob_size, int 
   }
   const int revid = read_revision_id(database, {object_type, object_id, number.revision});
   write_revision_data(database, maximum_blob_size, revid, creation.payload);
-  return to_local_moment(created);
+  return LocalMomentReader().read(created);
 }
 
 void write_revision(CDatabase* database, int maximum_blob_size, int object_type, int object_id,

@@ -1,9 +1,10 @@
 // Plan
 //   a new record, a new approval: what stands in them -> RevisionBaseInfo.*, RevisionApprovalInfo.*, RevisionInfo.*
-//   copies: approvals and payloads of their own; to itself; from one without approval -> RevisionBaseInfo.*,
-//   RevisionInfo.* the failure's texts by reason -> RevisionException.* the clock of the caches: ages, before day 0,
-//   out of range -> is_expired.* moments: zones, changes of daylight saving, fractions -> moments.* the cut of a reason
-//   -> cut_reason.*
+//   copies: approvals and payloads of their own; to itself; from one without approval
+//     -> RevisionBaseInfo.*, RevisionInfo.*
+//   the failure's texts by reason -> RevisionException.*
+//   the clock of the caches: ages, before day 0, out of range -> is_expired.*
+//   the cut of a reason -> cut_reason.*; the number behind the last -> next_number.*
 #include <type_traits>
 
 #include "spcbase/revision/internal/rows.h"
@@ -141,7 +142,7 @@ COleDateTime utc_date(int year, int month, int day, int hour = 0, int minute = 0
 
 TEST(is_expired, an_age_of_exactly_the_lifetime_is_still_good) {
   HeldClock clock(utc(2024, 7, 1, 12));
-  const COleDateTime stamp = rev::present_utc();
+  const COleDateTime stamp = present_utc();
   EXPECT_FALSE(rev::is_expired(1, stamp));
   clock.advance(std::chrono::seconds(60));
   EXPECT_FALSE(rev::is_expired(1, stamp));
@@ -164,19 +165,25 @@ TEST(is_expired, a_stamp_of_the_future_is_good) {
 
 TEST(is_expired, counts_whole_seconds_rounded_to_the_nearest) {
   const HeldClock clock(utc(2024, 7, 1));
-  const double now = rev::present_utc().m_dt;
+  const double now = present_utc().m_dt;
   EXPECT_FALSE(rev::is_expired(1, COleDateTime(now - 60.4 / 86400)));
   EXPECT_TRUE(rev::is_expired(1, COleDateTime(now - 60.6 / 86400)));
 }
 
 TEST(is_expired, before_day_0_the_time_of_day_counts_forward) {
-  const HeldClock clock(utc(1899, 12, 29, 6, 2));  // -1.25 days and two minutes
-  EXPECT_TRUE(rev::is_expired(1, utc_date(1899, 12, 29, 6, 0, 0)));
-  EXPECT_FALSE(rev::is_expired(2, utc_date(1899, 12, 29, 6, 0, 0)));
-  EXPECT_FALSE(rev::is_expired(1, utc_date(1899, 12, 29, 6, 5, 0)));
+  const double six_o_clock = -1.25;
+  const double two_minutes = 2.0 / 1440;
+  EXPECT_TRUE(rev::is_older(1, six_o_clock - two_minutes, six_o_clock));
+  EXPECT_FALSE(rev::is_older(2, six_o_clock - two_minutes, six_o_clock));
+  EXPECT_FALSE(rev::is_older(1, six_o_clock, six_o_clock - two_minutes));
+  EXPECT_TRUE(rev::is_older(719, 0, -1.5)) << "noon of the day before, 12 hours ago";
+  EXPECT_FALSE(rev::is_older(720, 0, -1.5));
 }
 
-TEST(is_expired, a_span_beyond_the_calendar_is_over) {
+TEST(is_expired, a_span_beyond_the_calendar_is_over_in_both_directions) {
+  EXPECT_TRUE(rev::is_older(1, 0, 3615897.5)) << "a stamp of the far future too";
+  EXPECT_FALSE(rev::is_older(1, 0, 3615897.0));
+  EXPECT_TRUE(rev::is_older(1, 3615897.0, 0));
   const HeldClock clock(utc(2024, 7, 1));
   EXPECT_TRUE(rev::is_expired(1, COleDateTime(1e9)));
   EXPECT_TRUE(rev::is_expired(1, COleDateTime(-1e9)));
@@ -185,38 +192,6 @@ TEST(is_expired, a_span_beyond_the_calendar_is_over) {
 TEST(is_expired, a_large_lifetime_does_not_overflow) {
   const HeldClock clock(utc(2024, 7, 1));
   EXPECT_FALSE(rev::is_expired(2147483647, utc_date(1901, 1, 1)));
-}
-
-std::string row_text(const TIMESTAMP_STRUCT& t) {
-  CString text;
-  text.Format("%04d-%02d-%02d %02d:%02d:%02d.%u", t.year, t.month, t.day, t.hour, t.minute, t.second, t.fraction);
-  return text.GetString();
-}
-
-TEST(moments, a_local_moment_is_stored_in_utc_by_the_rule_of_its_date) {
-  const ZoneGuard zone("Europe/Berlin");
-  EXPECT_EQ(row_text(rev::to_utc_timestamp(utc_date(2024, 1, 15, 8, 30, 1))), "2024-01-15 07:30:01.0");
-  EXPECT_EQ(row_text(rev::to_utc_timestamp(utc_date(2024, 7, 15, 8, 30, 1))), "2024-07-15 06:30:01.0");
-}
-
-TEST(moments, the_hour_that_is_skipped_is_no_local_time_of_a_row) {
-  const ZoneGuard zone("Europe/Berlin");
-  EXPECT_EQ(text_of(rev::to_local_moment({2024, 3, 31, 0, 59, 59, 0})), "2024-03-31 01:59:59");
-  EXPECT_EQ(text_of(rev::to_local_moment({2024, 3, 31, 1, 0, 0, 0})), "2024-03-31 03:00:00");
-}
-
-TEST(moments, the_hour_that_comes_twice_shows_twice_and_is_stored_as_the_first) {
-  const ZoneGuard zone("Europe/Berlin");
-  EXPECT_EQ(text_of(rev::to_local_moment({2024, 10, 27, 0, 30, 0, 0})), "2024-10-27 02:30:00");
-  EXPECT_EQ(text_of(rev::to_local_moment({2024, 10, 27, 1, 30, 0, 0})), "2024-10-27 02:30:00");
-  EXPECT_EQ(row_text(rev::to_utc_timestamp(utc_date(2024, 10, 27, 2, 30, 0))), "2024-10-27 00:30:00.0");
-}
-
-TEST(moments, a_fraction_of_a_second_survives_a_read) {
-  const ZoneGuard zone("Europe/Berlin");
-  const double whole = rev::to_local_moment({2024, 7, 15, 8, 30, 1, 0}).m_dt;
-  const double late = rev::to_local_moment({2024, 7, 15, 8, 30, 1, 750000000}).m_dt;
-  EXPECT_NEAR((late - whole) * 86400, 0.75, 1e-6);
 }
 
 std::string repeated(const std::string& character, int count) {
@@ -235,6 +210,12 @@ TEST(cut_reason, keeps_4000_bytes_and_no_half_character) {
   EXPECT_EQ(cut(repeated("\u00e4", 2001)), repeated("\u00e4", 2000));
   EXPECT_EQ(cut("x" + repeated("\u00e4", 2000)), "x" + repeated("\u00e4", 1999));
   EXPECT_EQ(cut("xxx" + repeated("\U0001F600", 1000)), "xxx" + repeated("\U0001F600", 999));
+}
+
+TEST(next_number, goes_round_behind_the_last_as_the_column_does) {
+  EXPECT_EQ(rev::next_number(-300), -299);
+  EXPECT_EQ(rev::next_number(41), 42);
+  EXPECT_EQ(rev::next_number(2147483647), -2147483647 - 1);
 }
 
 }  // namespace

@@ -6,6 +6,7 @@
 #include <cstdlib>
 #include <ctime>
 #include <initializer_list>
+#include <limits>
 #include <optional>
 #include <string>
 
@@ -21,7 +22,17 @@ constexpr std::int64_t cycle_seconds = 146097 * seconds_per_day;
 constexpr std::int64_t far_future = 4102444800;  // 2100-01-01, beyond every single change in the tz database
 
 Seconds moment(std::int64_t seconds) { return Seconds(cctz::seconds(seconds)); }
+std::int64_t seconds_of(Seconds point) { return point.time_since_epoch().count(); }
 cctz::civil_second civil(std::int64_t local_seconds) { return cctz::civil_second(1970, 1, 1) + local_seconds; }
+
+/// What holds from one change of a zone up to the next.
+struct OffsetSpan {
+  std::int64_t begin = 0;
+  std::int64_t end = 0;
+  ZoneOffset offset{0, false};
+};
+
+}  // namespace
 
 /// One zone of the tz database, or a rule in POSIX form that the C library knows.
 class Zone {
@@ -41,10 +52,12 @@ class Zone {
     return zone;
   }
 
-  ZoneOffset offset_at(std::int64_t utc_seconds) const {
+  /// Remembers between which changes the moment lies: the next one is mostly near.
+  ZoneOffset offset_at(std::int64_t utc_seconds) {
     if (posix_) return posix_offset(utc_seconds);
-    const auto found = zone_.lookup(moment(in_rules(utc_seconds)));
-    return {found.offset, found.is_dst};
+    const std::int64_t seconds = in_rules(utc_seconds);
+    if (seconds < last_.begin || seconds >= last_.end) last_ = span_around(seconds);
+    return last_.offset;
   }
 
   LocalReadings readings_of(std::int64_t local_seconds) const {
@@ -52,17 +65,28 @@ class Zone {
     const std::int64_t shifted = in_rules(local_seconds);
     const auto found = zone_.lookup(civil(shifted));
     const std::int64_t back = local_seconds - shifted;
-    return {found.pre.time_since_epoch().count() + back, found.post.time_since_epoch().count() + back};
+    return {seconds_of(found.pre) + back, seconds_of(found.post) + back};
   }
 
  private:
   bool load(const char* name) {
     if (!cctz::load_time_zone(name, &zone_)) return false;
     cctz::time_zone::civil_transition first;
-    if (zone_.next_transition(Seconds::min(), &first)) {
-      first_change_ = zone_.lookup(first.to).trans.time_since_epoch().count();
-    }
+    if (zone_.next_transition(Seconds::min(), &first)) first_change_ = seconds_of(zone_.lookup(first.to).trans);
     return true;
+  }
+
+  OffsetSpan span_around(std::int64_t seconds) const {
+    const auto found = zone_.lookup(moment(seconds));
+    OffsetSpan span{seconds, seconds + 1, {found.offset, found.is_dst}};
+    // Far away the library knows the offset, but lists no changes.
+    if (seconds >= far_future) return span;
+    constexpr auto limits = std::numeric_limits<std::int64_t>();
+    cctz::time_zone::civil_transition change;
+    span.begin =
+        zone_.prev_transition(moment(seconds + 1), &change) ? seconds_of(zone_.lookup(change.to).trans) : limits.min();
+    span.end = zone_.next_transition(moment(seconds), &change) ? seconds_of(zone_.lookup(change.to).trans) : far_future;
+    return span;
   }
 
   /// Before its first change the database knows only the place's mean solar time, which no clock here shows. Such
@@ -95,31 +119,34 @@ class Zone {
   cctz::time_zone zone_;
   std::optional<std::int64_t> first_change_;
   bool posix_ = false;
+  OffsetSpan last_;
 };
 
+namespace {
+
 /// The zone of the moment; loaded again only when `TZ` has changed since this thread's last call.
-const Zone& current_zone() {
+const std::shared_ptr<Zone>& current_zone() {
   struct Kept {
     std::optional<std::string> tz;
-    Zone zone;
+    std::shared_ptr<Zone> zone;
   };
   thread_local std::optional<Kept> kept;
   const char* tz = std::getenv("TZ");
   const bool same = kept && (tz ? kept->tz && *kept->tz == tz : !kept->tz);
-  if (!same) kept = Kept{tz ? std::optional<std::string>(tz) : std::nullopt, Zone::of(tz)};
+  if (!same) kept = Kept{tz ? std::optional<std::string>(tz) : std::nullopt, std::make_shared<Zone>(Zone::of(tz))};
   return kept->zone;
 }
 
 }  // namespace
 
-ZoneOffset offset_at(std::int64_t utc_seconds) { return current_zone().offset_at(utc_seconds); }
+ZoneOffset offset_at(std::int64_t utc_seconds) { return current_zone()->offset_at(utc_seconds); }
 
-LocalReadings readings_of(std::int64_t local_seconds) { return current_zone().readings_of(local_seconds); }
+LocalReadings readings_of(std::int64_t local_seconds) { return current_zone()->readings_of(local_seconds); }
 
 std::int64_t reading_as(std::int64_t local_seconds, bool as_daylight) {
   constexpr std::int64_t step = 15 * seconds_per_day;
   constexpr int steps_of_a_year = 25;
-  const Zone& zone = current_zone();
+  Zone& zone = *current_zone();
   const std::int64_t plain = zone.readings_of(local_seconds).after_change;
   for (int i = 0; i <= steps_of_a_year; ++i) {
     for (const std::int64_t probe : {plain - i * step, plain + i * step}) {
@@ -129,5 +156,9 @@ std::int64_t reading_as(std::int64_t local_seconds, bool as_daylight) {
   }
   return plain;
 }
+
+CurrentZone::CurrentZone() : zone_(current_zone()) {}
+
+ZoneOffset CurrentZone::offset_at(std::int64_t utc_seconds) const { return zone_->offset_at(utc_seconds); }
 
 }  // namespace platform

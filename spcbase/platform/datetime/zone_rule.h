@@ -4,6 +4,7 @@
 #pragma once
 
 #include <cstdint>
+#include <memory>
 
 namespace platform {
 
@@ -29,5 +30,18 @@ LocalReadings readings_of(std::int64_t local_seconds);
 /// The reading by an offset of the wanted kind, daylight or standard, that the zone has in the year around the local
 /// time; the plain reading when it has none.
 std::int64_t reading_as(std::int64_t local_seconds, bool as_daylight);
+
+class Zone;
+
+/// The zone that is the current one when this is made; a later change of `TZ` does not reach it. For one call that
+/// converts many moments, in one thread.
+class CurrentZone {
+ public:
+  CurrentZone();
+  ZoneOffset offset_at(std::int64_t utc_seconds) const;
+
+ private:
+  std::shared_ptr<Zone> zone_;
+};
 
 }  // namespace platform

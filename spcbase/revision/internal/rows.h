@@ -3,11 +3,13 @@
 /// Part of revision control; not for hosts.
 #pragma once
 
+#include <cstdint>
 #include <memory>
 
 #include "spcbase/foundation/blob.h"
 #include "spcbase/foundation/schema/revisions.h"
 #include "spcbase/revision/record.h"
+#include "spcbase/time/internal/row_moment.h"
 
 namespace rev {
 
@@ -33,6 +35,9 @@ struct Creation {
   const char* reason;
 };
 
+/// The number behind another; behind the last of an int comes the first, as in the column.
+constexpr int next_number(long number) { return static_cast<int>(static_cast<std::uint32_t>(number) + 1U); }
+
 /// The number and version that come after the highest of the object.
 RevisionNumber next_revision(CDatabase* database, int object_id, int object_type, bool major);
 
@@ -52,28 +57,22 @@ void write_revision(CDatabase* database, int maximum_blob_size, int object_type,
 /// Reads a revision, or the latest for number 0; null when there is none.
 std::shared_ptr<RevisionInfo> read_revision(CDatabase* database, int maximum_blob_size, const RevisionKey& key);
 
-/// The filter for a revision, or for the highest one when the number is 0.
+/// The filters for a revision by its number, and for an object's highest one.
 CString filter_for(const RevisionKey& key);
+CString filter_for_highest(int object_type, int object_id);
 
 /// The first 4000 bytes of a reason, without half a character at the end.
 CString cut_reason(const CString& reason);
 
-/// Local moments and the UTC timestamps of rows. Rows are written to the second; a fraction that is read survives.
-TIMESTAMP_STRUCT to_utc_timestamp(const COleDateTime& local);
-COleDateTime to_local_moment(const TIMESTAMP_STRUCT& utc);
-
-/// The present in UTC, by way of local time.
-COleDateTime present_utc();
-
 /// What the rows of RSOBJREV and RSFullRevisionInfo have in common.
 template <class Rows>
-void take_row(Rows& rows, RevisionBaseInfo& record) {
+void take_row(Rows& rows, const LocalMomentReader& moments, RevisionBaseInfo& record) {
   record.revid = static_cast<int>(rows.revid);
   record.revision = static_cast<int>(rows.revision);
   record.majorver = static_cast<int>(rows.majorver);
   record.minorver = static_cast<int>(rows.minorver);
   record.flag = static_cast<int>(rows.flag);
-  if (!rows.IsFieldNull(&rows.ctime)) record.ctime = to_local_moment(rows.ctime);
+  if (!rows.IsFieldNull(&rows.ctime)) record.ctime = moments.read(rows.ctime);
   record.cuserid = static_cast<int>(rows.cuserid);
   record.cuser = rows.cuser;
   record.creason = rows.creason;
@@ -85,7 +84,7 @@ void take_row(Rows& rows, RevisionBaseInfo& record) {
   if (!rows.IsFieldNull(&rows.areason)) approval->areason = rows.areason;
   if (!rows.IsFieldNull(&rows.auserid)) approval->auserid = static_cast<int>(rows.auserid);
   if (!rows.IsFieldNull(&rows.auser)) approval->auser = rows.auser;
-  if (!rows.IsFieldNull(&rows.atime)) approval->atime = to_local_moment(rows.atime);
+  if (!rows.IsFieldNull(&rows.atime)) approval->atime = moments.read(rows.atime);
   record.approval = std::move(approval);
 }
 
@@ -100,6 +99,9 @@ void put_approval(Rows& rows, const RevisionApprovalInfo& approval) {
   rows.auser = approval.auser;
   rows.atime = to_utc_timestamp(approval.atime);
 }
+
+/// Whether a variant time lies more than that many minutes before another, in whole seconds.
+bool is_older(int minutes, double now_utc, double stamp_utc);
 
 /// Whether a moment in UTC is more than that many minutes ago; never for a lifetime of 0 or less.
 bool is_expired(int minutes, const COleDateTime& stamp_utc);
