@@ -2,7 +2,7 @@
 // - FileToText, TextToFile: any bytes there and back; text kept in front; files of no size, that grow, that vanish, too
 //   large for a text (sparse, no memory asked for); folders, missing ones, paths through a file, no room, places that
 //   nobody can write to; names with spaces, UTF-8, either separator; no handle left open
-// - IsRTFFile: case, short files, zeros, what cannot be read
+// - IsRTFFile: case, short files, zeros, the recorded comparisons, what cannot be read
 //
 // Edge cases asked for by the subsystem
 //   a text that is not empty stays in front      FileToText
@@ -21,6 +21,7 @@
 #include "spcbase/utility/files.h"
 #include "tests/support/open_handles.h"
 #include "tests/support/scratch_folder.h"
+#include "tests/support/vector_file.h"
 
 namespace {
 
@@ -243,6 +244,18 @@ TEST(IsRTFFile, case_of_the_header_does_not_matter) {
   EXPECT_TRUE(IsRTFFile(CString(folder.file("a"))));
   put(folder.file("a"), std::string("{\\\0rtf", 6));
   EXPECT_FALSE(IsRTFFile(CString(folder.file("a"))));
+}
+
+// The header is compared in dictionary order without regard to case, of which only "equal or not" counts here.
+TEST(IsRTFFile, compares_texts_as_equal_where_that_was_recorded) {
+  std::size_t played = 0;
+  for (const auto& row : test_support::read_vectors("paths.tsv")) {
+    if (row["function"] != "lstrcmpiA" || row.is_suspect()) continue;
+    SCOPED_TRACE(row.place());
+    EXPECT_EQ(CString(row["input"]).CollateNoCase(row["input2"].c_str()) == 0, row["result"] == "0");
+    ++played;
+  }
+  EXPECT_EQ(played, 16U);
 }
 
 TEST(IsRTFFile, what_cannot_be_read_is_none) {
