@@ -69,6 +69,12 @@ Job read_revision();
 Job cached_revision();
 Job list_revisions();
 Job scan_memory();
+Job integers_to_array();
+Job integers_to_vector();
+Job bytes_to_array();
+Job bytes_to_vector();
+Job texts_to_array();
+Job texts_to_vector();
 
 /// Every job, in the order of the table.
 std::vector<Job> all_jobs();

@@ -1,10 +1,12 @@
 #include "spcbase/platform/automation/bstr.h"
 
+#include <algorithm>
 #include <cstdlib>
 #include <cstring>
 #include <limits>
 #include <new>
 #include <string>
+#include <string_view>
 
 #include "spcbase/platform/automation/com_error.h"
 #include "spcbase/platform/text/cstring.h"
@@ -40,6 +42,17 @@ BSTR allocate_copy(const void* bytes, std::size_t count) {
     std::memset(text, 0, count);
   }
   return text;
+}
+
+// Most texts are plain ASCII, and then no conversion has to find out how long the string will be.
+BSTR widened(std::string_view text) {
+  if (std::any_of(text.begin(), text.end(), [](char c) { return (static_cast<unsigned char>(c) & 0x80U) != 0; })) {
+    const std::u16string wide = platform::to_utf16(text);
+    return allocate_copy(wide.data(), wide.size() * sizeof(OLECHAR));
+  }
+  BSTR const result = allocate(text.size() * sizeof(OLECHAR));
+  if (result != nullptr) std::copy(text.begin(), text.end(), result);
+  return result;
 }
 
 }  // namespace
@@ -92,8 +105,7 @@ UINT SysStringByteLen(BSTR text) noexcept {
 
 BSTR alloc_sys_string(const CString& text) {
   try {
-    const std::u16string wide = platform::to_utf16({text.GetString(), static_cast<std::size_t>(text.GetLength())});
-    BSTR const result = allocate_copy(wide.data(), wide.size() * sizeof(OLECHAR));
+    BSTR const result = widened(text.view());
     if (result != nullptr) return result;
   } catch (const std::bad_alloc&) {
   }
