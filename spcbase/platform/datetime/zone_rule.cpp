@@ -63,6 +63,13 @@ class Zone {
   LocalReadings readings_of(std::int64_t local_seconds) const {
     if (posix_) return posix_readings(local_seconds);
     const std::int64_t shifted = in_rules(local_seconds);
+    // So far from a change only one moment can be meant: offsets differ by less than two days.
+    constexpr std::int64_t far_enough = 2 * seconds_per_day;
+    const std::int64_t near = shifted - last_.offset.seconds;
+    if (near - far_enough >= last_.begin && near + far_enough < last_.end) {
+      const std::int64_t meant = local_seconds - last_.offset.seconds;
+      return {meant, meant};
+    }
     const auto found = zone_.lookup(civil(shifted));
     const std::int64_t back = local_seconds - shifted;
     return {seconds_of(found.pre) + back, seconds_of(found.post) + back};

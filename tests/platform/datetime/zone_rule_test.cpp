@@ -1,5 +1,6 @@
 // Plan
 // - offsets asked for in any order, near changes and far from them, are those of the C library
+// - readings of local times are the same whether the zone remembers a change nearby or nothing
 // - a zone that was taken for a call stays the one it was; the next call sees a new `TZ`
 #include "spcbase/platform/datetime/zone_rule.h"
 
@@ -46,10 +47,23 @@ std::vector<std::int64_t> moments_to_ask_for() {
   return moments;
 }
 
+constexpr const char* zones[] = {"UTC",
+                                 "Europe/Berlin",
+                                 "America/New_York",
+                                 "Australia/Lord_Howe",
+                                 "Asia/Kathmandu",
+                                 "Asia/Tokyo",
+                                 "Africa/Casablanca",
+                                 "America/Sao_Paulo",
+                                 "Asia/Tehran",
+                                 "Pacific/Apia",
+                                 "Europe/Dublin",
+                                 "America/Havana",
+                                 "Asia/Gaza",
+                                 "CET-1CEST,M3.5.0,M10.5.0/3"};
+
 TEST(ZoneRule, offsets_in_any_order_are_those_of_the_c_library) {
-  for (const char* name : {"UTC", "Europe/Berlin", "America/New_York", "Australia/Lord_Howe", "Asia/Kathmandu",
-                           "Asia/Tokyo", "Africa/Casablanca", "America/Sao_Paulo", "Asia/Tehran", "Pacific/Apia",
-                           "Europe/Dublin", "America/Havana", "Asia/Gaza", "CET-1CEST,M3.5.0,M10.5.0/3"}) {
+  for (const char* name : zones) {
     SCOPED_TRACE(name);
     const ZoneGuard zone(name);
     tzset();
@@ -59,6 +73,41 @@ TEST(ZoneRule, offsets_in_any_order_are_those_of_the_c_library) {
       for (const platform::ZoneOffset& found : {platform::offset_at(moment), taken.offset_at(moment)}) {
         ASSERT_EQ(found.seconds, expected.seconds) << moment;
         ASSERT_EQ(found.is_daylight, expected.is_daylight) << moment;
+      }
+    }
+  }
+}
+
+std::vector<std::int64_t> both(const platform::LocalReadings& readings) {
+  return {readings.before_change, readings.after_change};
+}
+
+TEST(ZoneRule, readings_do_not_depend_on_what_was_asked_for_before) {
+  for (const char* name : zones) {
+    SCOPED_TRACE(name);
+    const auto moments = [&] {
+      const ZoneGuard zone(name);
+      tzset();
+      return moments_to_ask_for();
+    }();
+    std::vector<std::vector<std::int64_t>> fresh;
+    const auto local_of = [](std::int64_t moment, std::int64_t apart) {
+      return moment + expected_at(moment).seconds + apart;
+    };
+    for (const std::int64_t apart : {-3600, 0, 3600}) {
+      {
+        // Another zone in between makes this one forget.
+        const ZoneGuard other("UTC");
+        platform::offset_at(0);
+      }
+      const ZoneGuard zone(name);
+      tzset();
+      fresh.clear();
+      for (const std::int64_t moment : moments)
+        fresh.push_back(both(platform::readings_of(local_of(moment, apart))));
+      for (std::size_t i = 0; i < moments.size(); ++i) {
+        platform::offset_at(moments[i]);
+        ASSERT_EQ(both(platform::readings_of(local_of(moments[i], apart))), fresh[i]) << moments[i] << " " << apart;
       }
     }
   }
