@@ -2,8 +2,8 @@
 //   On SQLite, MariaDB and SQLite's ODBC driver: duplicate key (primary and unique), missing reference, value too long,
 //     missing table and column, syntax, a locked row or file -> failures_live.*
 //   SQLite: a full database, a read-only one, a file that is missing or no database, an overtaken snapshot
-//   MariaDB: a deadlock between two connections, a lost link, one lost at a commit, a login without rights, a statement
-//     out of time, a server that is not there
+//   MariaDB: a constraint that is not there, a deadlock between two connections, a lost link, one lost at a commit, a
+//     login without rights, a statement out of time, a server that is not there
 //   The tools of a host: connect texts that name nothing -> connect_texts.*
 #include <gtest/gtest.h>
 
@@ -146,6 +146,14 @@ TEST_P(sqlite_failures, a_transaction_that_another_writer_has_overtaken_may_be_t
 
 class mariadb_failures : public failures_live {};
 INSTANTIATE_TEST_SUITE_P(Servers, mariadb_failures, testing::Values(ServerKind::mariadb), test_support::server_name);
+
+TEST_P(mariadb_failures, a_constraint_that_is_not_there_to_be_dropped_is_no_such_object) {
+  for (const char* statement :
+       {"ALTER TABLE CSREVDAT DROP FOREIGN KEY NOSUCH", "ALTER TABLE CSSTN DROP INDEX NOSUCH"}) {
+    const Failure f = failure_of(statement);
+    EXPECT_EQ(f.failure_class, FailureClass::no_such_object) << f.sqlstate << " " << f.native << " " << f.text;
+  }
+}
 
 TEST_P(mariadb_failures, two_connections_that_want_each_others_rows_are_a_deadlock) {
   execute("INSERT INTO CSSTN (STNID, NAME) VALUES (1, 'a')");

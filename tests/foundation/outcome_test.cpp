@@ -215,6 +215,7 @@ const Sample samples[] = {
     {"mariadb", "42000", 1064, "You have an error in your SQL syntax", FailureClass::syntax},
     {"mariadb", "42000", 1142, "SELECT command denied to user", FailureClass::permission},
     {"mariadb", "42000", 1049, "Unknown database 'd'", FailureClass::no_such_object},
+    {"mariadb", "42000", 1091, "Can't DROP FOREIGN KEY `FK`; check that it exists", FailureClass::no_such_object},
     {"mariadb", "28000", 1045, "Access denied for user", FailureClass::permission},
     {"mariadb", "HY000", 1205, "Lock wait timeout exceeded; try restarting transaction", FailureClass::lock_timeout},
     {"mariadb", "40001", 1213, "Deadlock found when trying to get lock; try restarting transaction",

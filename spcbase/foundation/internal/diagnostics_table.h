@@ -88,6 +88,7 @@ inline constexpr Rule rules[] = {
     {"HY001", 2006, nullptr, FailureClass::link_lost},
     {"HY001", 2013, nullptr, FailureClass::link_lost},
     {"42000", 1049, nullptr, FailureClass::no_such_object},
+    {"42000", 1091, nullptr, FailureClass::no_such_object},
     {"42000", 1044, nullptr, FailureClass::permission},
     {"42000", 1142, nullptr, FailureClass::permission},
     {"42000", 1143, nullptr, FailureClass::permission},
