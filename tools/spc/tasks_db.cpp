@@ -10,8 +10,6 @@
 namespace spc {
 namespace {
 
-std::ostream* trace_of(const Terminal& terminal) { return terminal.trace ? &terminal.err : nullptr; }
-
 const char* dialect_name(int dialect) {
   switch (dialect) {
     case 0:

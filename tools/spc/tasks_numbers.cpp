@@ -9,8 +9,6 @@
 namespace spc {
 namespace {
 
-std::ostream* trace_of(const Terminal& terminal) { return terminal.trace ? &terminal.err : nullptr; }
-
 std::string number_or_none(long rows, long number) { return rows == 0 ? "-" : std::to_string(number); }
 
 void write_state(JsonWriter& json, const NumberState& state) {

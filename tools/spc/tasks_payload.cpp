@@ -7,8 +7,6 @@
 namespace spc {
 namespace {
 
-std::ostream* trace_of(const Terminal& terminal) { return terminal.trace ? &terminal.err : nullptr; }
-
 /// "the payload of monitor 3", "the extra payload of monitor 3".
 std::string described(const PayloadKind& kind, int id) {
   const bool extra = std::string(kind.name) != kind.object;

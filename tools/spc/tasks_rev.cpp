@@ -18,8 +18,6 @@ using Record = std::shared_ptr<rev::RevisionInfo>;
 constexpr int most_attempts = 5;
 constexpr std::chrono::milliseconds pause_before_retry{20};
 
-std::ostream* trace_of(const Terminal& terminal) { return terminal.trace ? &terminal.err : nullptr; }
-
 VersionedObject object_of(const RevisionRequest& request) { return {request.type, request.id}; }
 
 /// Nothing is kept: the command wants what stands in the database.

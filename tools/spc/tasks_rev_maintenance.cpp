@@ -7,8 +7,6 @@
 namespace spc {
 namespace {
 
-std::ostream* trace_of(const Terminal& terminal) { return terminal.trace ? &terminal.err : nullptr; }
-
 void print_plan(std::ostream& out, const std::string& title, const std::vector<PlannedChange>& plan) {
   out << title << '\n';
   Table table("  ");

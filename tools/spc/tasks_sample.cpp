@@ -10,8 +10,6 @@
 namespace spc {
 namespace {
 
-std::ostream* trace_of(const Terminal& terminal) { return terminal.trace ? &terminal.err : nullptr; }
-
 /// "LEFT=RIGHT" in two.
 std::pair<std::string, std::string> parted(const std::string& text, const char* option, const char* form) {
   const auto equals = text.find('=');

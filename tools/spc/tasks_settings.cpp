@@ -14,8 +14,6 @@ constexpr std::size_t widest_value = 60;
 constexpr const char* advice_for_damage =
     "Let the program that wrote the setting save it again, or restore its rows of CSINI.";
 
-std::ostream* trace_of(const Terminal& terminal) { return terminal.trace ? &terminal.err : nullptr; }
-
 void write_setting(JsonWriter& json, const SettingView& setting) {
   json.begin_object();
   json.key("key").value(setting.key);

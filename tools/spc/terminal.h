@@ -18,6 +18,9 @@ struct Terminal {
   bool bars = false;  ///< standard error is a terminal, so that long work may show a bar there
 };
 
+/// Where statements are shown; null when nobody wants to see them.
+inline std::ostream* trace_of(const Terminal& terminal) { return terminal.trace ? &terminal.err : nullptr; }
+
 /// A bar on standard error that is drawn over itself; wiped when the object goes. Draws nothing unless bars are wanted.
 class Progress {
  public:
