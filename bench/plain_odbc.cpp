@@ -1,7 +1,8 @@
 #include "bench/plain_odbc.h"
 
 #include <algorithm>
-#include <array>
+
+#include "tests/support/raw_odbc.h"
 
 namespace bench {
 namespace {
@@ -12,15 +13,6 @@ SQLCHAR* writable(const std::string& text) {
 
 SQLPOINTER as_pointer(SQLULEN value) {
   return reinterpret_cast<SQLPOINTER>(value);  // NOLINT(performance-no-int-to-ptr): ODBC's way
-}
-
-std::string diagnostic(SQLSMALLINT kind, SQLHANDLE handle) {
-  std::array<SQLCHAR, 6> state{};
-  std::array<SQLCHAR, 1024> text{};
-  SQLINTEGER native = 0;
-  SQLSMALLINT length = 0;
-  SQLGetDiagRec(kind, handle, 1, state.data(), &native, text.data(), static_cast<SQLSMALLINT>(text.size()), &length);
-  return std::string(reinterpret_cast<const char*>(state.data())) + " " + reinterpret_cast<const char*>(text.data());
 }
 
 }  // namespace
@@ -58,7 +50,7 @@ PlainOdbcStatement::PlainOdbcStatement(SQLHDBC connection, const std::string& sq
                                        const std::string& column_kinds, int block_rows)
     : text_(sql) {
   if (!SQL_SUCCEEDED(SQLAllocHandle(SQL_HANDLE_STMT, connection, &statement_)))
-    throw std::runtime_error(diagnostic(SQL_HANDLE_DBC, connection));
+    throw std::runtime_error(test_support::odbc_diagnostic(SQL_HANDLE_DBC, connection));
   check(SQLPrepare(statement_, writable(sql), SQL_NTS));
   for (const char kind : parameter_kinds)
     parameters_.push_back(buffer_of(kind, 1));
@@ -141,7 +133,7 @@ Moment PlainOdbcStatement::moment_at(int column) {
 }
 
 void PlainOdbcStatement::fail() const {
-  throw std::runtime_error(diagnostic(SQL_HANDLE_STMT, statement_) + " in: " + text_);
+  throw std::runtime_error(test_support::odbc_diagnostic(SQL_HANDLE_STMT, statement_) + " in: " + text_);
 }
 
 PlainOdbc::PlainOdbc(const std::string& connect_text) {
@@ -160,7 +152,7 @@ PlainOdbc::~PlainOdbc() {
 }
 
 void PlainOdbc::check(SQLRETURN result) {
-  if (!SQL_SUCCEEDED(result)) throw std::runtime_error(diagnostic(SQL_HANDLE_DBC, connection_));
+  if (!SQL_SUCCEEDED(result)) throw std::runtime_error(test_support::odbc_diagnostic(SQL_HANDLE_DBC, connection_));
 }
 
 PlainOdbc::Statement& PlainOdbc::prepare(const std::string& sql, const char* parameter_kinds, const char* column_kinds,
@@ -190,7 +182,8 @@ void PlainOdbc::run(const std::string& sql) {
   check(SQLAllocHandle(SQL_HANDLE_STMT, connection_, &statement));
   const SQLRETURN result = SQLExecDirect(statement, writable(sql), SQL_NTS);
   const bool done = SQL_SUCCEEDED(result) || result == SQL_NO_DATA;
-  const std::string why = done ? std::string() : diagnostic(SQL_HANDLE_STMT, statement) + " in: " + sql;
+  const std::string why =
+      done ? std::string() : test_support::odbc_diagnostic(SQL_HANDLE_STMT, statement) + " in: " + sql;
   SQLFreeHandle(SQL_HANDLE_STMT, statement);
   if (!done) throw std::runtime_error(why);
 }

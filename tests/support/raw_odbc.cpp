@@ -13,26 +13,16 @@ SQLCHAR* narrow(const std::string& text) {
   return reinterpret_cast<SQLCHAR*>(const_cast<char*>(text.c_str()));  // ODBC takes texts to read as writable
 }
 
-std::string diagnostic(SQLSMALLINT kind, SQLHANDLE handle) {
-  std::array<SQLCHAR, 6> state{};
-  std::array<SQLCHAR, 1024> text{};
-  SQLINTEGER native = 0;
-  SQLSMALLINT length = 0;
-  SQLGetDiagRec(kind, handle, 1, state.data(), &native, text.data(), static_cast<SQLSMALLINT>(text.size()), &length);
-  return std::string(reinterpret_cast<const char*>(state.data())) + " " + std::to_string(native) + " " +
-         reinterpret_cast<const char*>(text.data());
-}
-
 /// A statement handle for one statement.
 class Statement {
  public:
   Statement(SQLHDBC connection, const std::string& text) {
     if (!SQL_SUCCEEDED(SQLAllocHandle(SQL_HANDLE_STMT, connection, &handle_))) {
-      throw std::runtime_error(diagnostic(SQL_HANDLE_DBC, connection));
+      throw std::runtime_error(odbc_diagnostic(SQL_HANDLE_DBC, connection));
     }
     const SQLRETURN result = SQLExecDirect(handle_, narrow(text), SQL_NTS);
     if (SQL_SUCCEEDED(result) || result == SQL_NO_DATA) return;
-    const std::string why = diagnostic(SQL_HANDLE_STMT, handle_) + " in: " + text;
+    const std::string why = odbc_diagnostic(SQL_HANDLE_STMT, handle_) + " in: " + text;
     SQLFreeHandle(SQL_HANDLE_STMT, handle_);
     throw std::runtime_error(why);
   }
@@ -68,6 +58,16 @@ class Statement {
 
 }  // namespace
 
+std::string odbc_diagnostic(short kind, void* handle) {
+  std::array<SQLCHAR, 6> state{};
+  std::array<SQLCHAR, 1024> text{};
+  SQLINTEGER native = 0;
+  SQLSMALLINT length = 0;
+  SQLGetDiagRec(kind, handle, 1, state.data(), &native, text.data(), static_cast<SQLSMALLINT>(text.size()), &length);
+  return std::string(reinterpret_cast<const char*>(state.data())) + " " + std::to_string(native) + " " +
+         reinterpret_cast<const char*>(text.data());
+}
+
 RawOdbc::RawOdbc(const std::string& connect_text) {
   SQLAllocHandle(SQL_HANDLE_ENV, SQL_NULL_HANDLE, &environment_);
   SQLSetEnvAttr(environment_, SQL_ATTR_ODBC_VERSION, reinterpret_cast<SQLPOINTER>(SQL_OV_ODBC3),
@@ -76,7 +76,7 @@ RawOdbc::RawOdbc(const std::string& connect_text) {
   const SQLRETURN result =
       SQLDriverConnect(connection_, nullptr, narrow(connect_text), SQL_NTS, nullptr, 0, nullptr, SQL_DRIVER_NOPROMPT);
   if (SQL_SUCCEEDED(result)) return;
-  const std::string why = diagnostic(SQL_HANDLE_DBC, connection_);
+  const std::string why = odbc_diagnostic(SQL_HANDLE_DBC, connection_);
   SQLFreeHandle(SQL_HANDLE_DBC, connection_);
   SQLFreeHandle(SQL_HANDLE_ENV, environment_);
   throw std::runtime_error(why);

@@ -8,6 +8,9 @@
 
 namespace test_support {
 
+/// What the driver says of the last call on a handle: "HY000 4711 [vendor] text". The kind is ODBC's SQL_HANDLE_...
+std::string odbc_diagnostic(short kind, void* handle);
+
 class RawOdbc {
  public:
   using Row = std::vector<std::optional<std::string>>;
