@@ -3,9 +3,9 @@
 /// Part of the platform layer. A movable block has a handle, which is not its address: `GlobalLock` gives the address
 /// and counts a lock, `GlobalUnlock` takes the lock back. A fixed block's handle is its address and needs no lock.
 ///
-/// Differs: unlocked movable blocks move only when they are reallocated or a function of the library fills them; nothing
-/// is discarded but by size 0. A handle that was freed is not recognised: using one is undefined. Threads: a block
-/// belongs to one thread at a time.
+/// Differs: unlocked movable blocks move only when they are reallocated or a function of the library fills them;
+/// nothing is discarded but by size 0. A handle that was freed is not recognised: using one is undefined. Threads: a
+/// block belongs to one thread at a time.
 #pragma once
 
 #include <cstddef>
