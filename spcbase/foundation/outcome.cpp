@@ -106,6 +106,18 @@ Failure failure_of(FailureKind kind, long code, CString text, FailureClass failu
   return failure;
 }
 
+constexpr const char* advice_for_a_cut =
+    "The value is longer than the room that it is read into: allow long data more bytes (--max-size of the command), "
+    "or "
+    "shorten the value in the database.";
+constexpr const char* advice_for_a_missing_feature =
+    "The driver cannot do this: allow long data a buffer (--max-size of the command) in place of streaming, or use "
+    "another driver.";
+
+bool is_missing_feature(const Failure& failure) {
+  return failure.failure_class == FailureClass::other && (failure.sqlstate == "HYC00" || failure.sqlstate == "IM001");
+}
+
 struct CodeWords {
   long code;
   const char* text;
@@ -179,7 +191,9 @@ Failure describe_failure(const CDBException& exception) {
   if (failure.failure_class == FailureClass::link_lost && exception.m_strStatement == "COMMIT")
     failure.failure_class = FailureClass::commit_in_doubt;
   if (failure.text.IsEmpty()) failure.text = load_message(msg::unknown_error);
-  failure.advice = words_of(failure.failure_class).advice;
+  failure.advice = cut_on_reading                ? advice_for_a_cut
+                   : is_missing_feature(failure) ? advice_for_a_missing_feature
+                                                 : words_of(failure.failure_class).advice;
   return failure;
 }
 

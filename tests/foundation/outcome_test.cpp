@@ -329,6 +329,15 @@ TEST(describe_failure, a_value_cut_on_reading_is_too_long) {
   const Failure f = describe_failure(e);
   EXPECT_EQ(f.failure_class, FailureClass::value_too_long);
   EXPECT_EQ(f.code, 1021);
+  EXPECT_GE(f.advice.Find("allow long data more bytes (--max-size"), 0) << f.advice;
+}
+
+TEST(describe_failure, a_driver_that_cannot_stream_gets_an_advice_of_its_own) {
+  for (const char* state : {"HYC00", "IM001"}) {
+    const Failure f = describe_failure(CDBException(spcdb::Diagnostic{state, 106, "no such feature", "[driver]"}));
+    EXPECT_EQ(f.failure_class, FailureClass::other);
+    EXPECT_GE(f.advice.Find("allow long data a buffer (--max-size"), 0) << f.advice;
+  }
 }
 
 TEST(describe_failure, a_lost_transaction_may_be_tried_again) {
