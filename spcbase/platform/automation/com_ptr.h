@@ -9,6 +9,7 @@
 #pragma once
 
 #include <cstddef>
+#include <type_traits>
 #include <utility>
 
 #include "spcbase/platform/automation/com_error.h"
@@ -88,6 +89,16 @@ class _com_ptr_t : public automation_detail::counted_pointer<T> {
   _com_ptr_t(T* object, bool add_reference) noexcept {
     if (add_reference && object != nullptr) object->AddRef();
     base::Attach(object);
+  }
+  /// The same object by its interface T; null when `other` is null or the object does not have it.
+  /// Fails: throws `_com_error` with any other code that the object answers.
+  template <class Other>
+    requires(!std::is_same_v<Other, T>)
+  _com_ptr_t(const _com_ptr_t<Other>& other) {
+    HRESULT result = S_OK;
+    if (other.GetInterfacePtr() == nullptr) return;
+    base::Attach(automation_detail::query<T>(other.GetInterfacePtr(), result));
+    if (FAILED(result) && result != E_NOINTERFACE) _com_issue_error(result);
   }
 
   using base::Attach;
