@@ -3,24 +3,36 @@
 #include <openssl/evp.h>
 
 #include <algorithm>
-#include <array>
 
 namespace platform {
 
 namespace {
 
 constexpr std::string_view alphabet = "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789+/";
-constexpr unsigned char no_digit = 0xFF;
+constexpr unsigned char no_digit = 0xFF;  // with bits that the value of no digit has
+constexpr unsigned digit_bits = 0x3F;
 
-constexpr std::array<unsigned char, 256> digit_values = [] {
-  std::array<unsigned char, 256> values{};
-  values.fill(no_digit);
+struct DigitValues {
+  unsigned char of[256];
+};
+
+constexpr DigitValues digit_values = [] {
+  DigitValues values{};
+  for (unsigned char& value : values.of)
+    value = no_digit;
   for (std::size_t i = 0; i < alphabet.size(); ++i)
-    values[static_cast<unsigned char>(alphabet[i])] = static_cast<unsigned char>(i);
+    values.of[static_cast<unsigned char>(alphabet[i])] = static_cast<unsigned char>(i);
   return values;
 }();
 
-unsigned char value_of(char c) noexcept { return digit_values[static_cast<unsigned char>(c)]; }
+unsigned value_of(char c) noexcept { return digit_values.of[static_cast<unsigned char>(c)]; }
+
+bool are_digits(const char* text, std::size_t length) noexcept {
+  unsigned seen = 0;
+  for (const char* c = text; c != text + length; ++c)
+    seen |= digit_values.of[static_cast<unsigned char>(*c)];
+  return seen <= digit_bits;
+}
 
 std::size_t padding_of(std::string_view text) noexcept {
   if (!text.ends_with('=')) return 0;
@@ -30,11 +42,10 @@ std::size_t padding_of(std::string_view text) noexcept {
 /// The decoder of OpenSSL is lenient (white space, any number of padding characters, stray bits), so the form is
 /// checked ahead of it.
 bool is_well_formed(std::string_view text, std::size_t padding) noexcept {
-  if (text.size() % 4 != 0) return false;
-  const std::string_view digits = text.substr(0, text.size() - padding);
-  if (!std::ranges::all_of(digits, [](char c) { return value_of(c) != no_digit; })) return false;
+  const std::size_t length = text.size() - padding;
+  if (text.size() % 4 != 0 || !are_digits(text.data(), length)) return false;
   const unsigned stray_bits = padding == 0 ? 0U : padding == 1 ? 0x03U : 0x0FU;
-  return (padding == 0) || (value_of(digits.back()) & stray_bits) == 0;
+  return padding == 0 || (value_of(text[length - 1]) & stray_bits) == 0;
 }
 
 /// OpenSSL counts in `int`: longer texts go through in pieces of whole groups.
