@@ -17,9 +17,11 @@
 /// Sets the counter of one table to the highest id in use, or to 0 for a table without rows, in a transaction of its
 /// own unless the caller has one open. With `rewrite` the counter's rows are replaced by one, which also creates a
 /// missing row and removes extra ones; without it every row that is there gets the number, and nothing happens when
-/// there is none. Null:   no argument may be. Fails:  `DBException` "Can not open recordset." when the connection is
-/// not open, CDBException* from the database;
-///         the counter is as it was then.
+/// there is none.
+///
+/// Null:   no argument may be.
+/// Fails:  `DBException` "Can not open recordset." when the connection is not open, CDBException* from the database;
+///         the counter is as it was then, where the server has transactions.
 /// Kept:   where the server refuses to begin a transaction the work is done without one, and a refused commit undoes
 ///         the work without a failure.
 SPCBASE_API void update_running_table(CDatabaseEx* database, const char* table, const char* id_column,
@@ -30,6 +32,7 @@ SPCBASE_API void update_running_table(CDatabaseEx* database, const char* table, 
 SPCBASE_API void update_running_table(CDatabaseEx* database);
 
 /// Whether a failure is the refusal of a row whose key exists already, on any of the known servers.
+///
 /// `constraint` is the name of the key. It decides for every server but MySQL, whose text names keys in a form that is
 /// not stable: there any double key counts.
 /// Null:   a null name is contained in no text.

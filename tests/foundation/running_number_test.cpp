@@ -1,14 +1,15 @@
 // Plan
 //   the list: the 27 triples in their order -> running_numbers.*
 //   one table, on SQLite and MariaDB: empty tables, missing, one and several counter rows, both ways; statements; a
-//     connection that is not open; the caller's transaction -> update_running_table.*
-//   all tables: order, one transaction, a failure at the tenth -> update_all_running_tables.*
+//     connection that is not open; the caller's transaction -> update_running_table_live.*, update_running_table.*
+//   all tables: order, one transaction, a failure at the tenth with and without one -> update_all_running_tables.*
 //   every call into the driver fails once -> running_number_sweep.*
 //   is_pk_violation: the texts of each server, as a script gives them and as the servers themselves do
 //     -> is_pk_violation.*, is_pk_violation_live.*
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <map>
 #include <memory>
 #include <string>
@@ -17,6 +18,8 @@
 #include "spcbase/foundation/failure.h"
 #include "spcbase/foundation/outcome.h"
 #include "spcbase/foundation/running_number.h"
+#include "spcbase/platform/database/odbc_session.h"
+#include "spcbase/platform/database/sqlite_session.h"
 #include "tests/foundation/recorder.h"
 #include "tests/support/database_fixture.h"
 #include "tests/support/failure_sweep.h"
@@ -240,6 +243,24 @@ TEST_P(update_all_running_tables, a_failure_at_the_tenth_rolls_the_nine_before_i
   after.erase(after.begin() + 9);
   EXPECT_EQ(after, before);
   test_support::expect_nothing_held(db());
+}
+
+TEST_P(update_all_running_tables, without_transactions_the_nine_before_a_failure_stay) {
+  fill(database());
+  auto real = kind() == test_support::ServerKind::sqlite ? spcdb::open_sqlite(database().connect_text(), false)
+                                                         : spcdb::open_odbc(database().connect_text(), false);
+  auto script = std::make_shared<test_support::Script>();
+  script->transactions(false);
+  script->on("DELETE FROM CSSPRN").refuse(test_support::error("HY000", 1, "not now"));
+  db().Close();
+  db().adopt_session(std::make_unique<test_support::ScriptedSession>(script, std::move(real)));
+  EXPECT_FALSE(guarded([&] { update_running_table(&db()); }).ok());
+  EXPECT_TRUE(script->calls_of("begin").empty());
+  const Statements repaired = repaired_counters();
+  const Statements after = all_counters(database());
+  EXPECT_TRUE(std::equal(after.begin(), after.begin() + 9, repaired.begin()));
+  EXPECT_EQ(after[9], "CSSPRN,7");
+  EXPECT_EQ(after[10], "CSSTRN,7");
 }
 
 class running_number_sweep : public test_support::DatabaseTest {
