@@ -11,7 +11,7 @@
 
 namespace {
 
-constexpr char key_text[] = "3337";
+constexpr char key_text[] = "37";
 
 void require(bool holds) {
   if (!holds) std::abort();

@@ -35,8 +35,8 @@ class SecretBuffer {
  private:
   std::pmr::memory_resource* memory_;
   std::size_t size_;
-  unsigned char* data_;
   std::array<unsigned char, inline_size> inline_bytes_;
+  unsigned char* data_;
 };
 
 }  // namespace platform
