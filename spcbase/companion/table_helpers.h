@@ -1,8 +1,8 @@
 /// Texts of tables between the neutral form, in which they are stored, and the form of the user's locale.
 ///
 /// Part of the companions: a product has table helpers of its own. What stands here is the default, made to be
-/// replaced: a program that defines one of these functions itself, in front of this library, has the library call its
-/// own.
+/// replaced: when a program, or a library linked in front of this one, defines one of these functions itself, the
+/// library calls that.
 ///
 ///     namespace TableHelpers {
 ///     CString ParseToLocale(const CString& text) { return my_tables::shown(text); }
@@ -27,8 +27,8 @@ SPCBASE_API CString ParseToLocale(const CString& text);
 
 /// The user's text in the neutral form: the locale's decimal marks become points, and group marks go where they part
 /// groups of three digits. What is no number by the locale stays, so a neutral number passes unchanged unless it reads
-/// as one with group marks ("1.234" is 1234 where the point parts thousands). `kind` says what the text is; the library
-/// passes 0, a plain text. The default does not look at it.
+/// as one with group marks ("1.234" is 1234 where the point parts thousands).
+/// Shape:  `kind` says what the text is: the library passes 0, a plain text, and the default does not look at it.
 SPCBASE_API CString ParseTextBuffer(int kind, const CString& text);
 
 }  // namespace TableHelpers

@@ -6,7 +6,7 @@
 ///
 ///     CString stored = double_to_eng(1.5);                // "1.5", in every locale
 ///     double value = eng_to_double(stored);
-///     CString shown = eng_to_i18n(stored);                // "1,5" where the comma is the decimal mark
+///     eng_to_i18n(stored);                                // now "1,5" where the comma is the decimal mark
 ///
 /// Texts are UTF-8, and multi-byte characters stay whole. A `CString` ends for these functions at its first zero byte,
 /// where nothing else is said.
@@ -28,14 +28,15 @@ SPCBASE_API CString GetFirstWord(const CString& text);
 /// Takes the first word away, with the white space before and after it. Nothing left: the text becomes empty.
 SPCBASE_API void RemoveFirstWord(CString& text);
 
-/// Puts a blank in the place of every white-space byte, zero bytes or not; the length stays.
-/// Kept: nothing is removed, whatever the name says.
+/// Puts a blank in the place of every white-space byte of ASCII, behind zero bytes too; the length stays.
+/// Kept:   nothing is removed, whatever the name says.
 SPCBASE_API void RemoveWhiteSpace(CString& text);
 
 // Numbers.
 
 /// Whether a text is a number by the current locale, as `VariantChangeType` reads it: group marks, signs on either
-/// side, brackets and "&H" numbers too. The value is set only when it is. Null:   a null or empty text is none.
+/// side, brackets and "&H" numbers too. `value` is set only when it is one.
+/// Null:   a null or empty text is none.
 SPCBASE_API bool IsNumericString(const char* text, double& value);
 
 /// Whether a text consists of the digits 0 to 9; a sign is refused.
@@ -54,14 +55,20 @@ SPCBASE_API CString double_to_eng(double value);
 /// Null:   0.
 SPCBASE_API double eng_to_double(const char* text);
 
-/// The neutral text of a value.
-/// References to a VARIANT are followed. Floats and doubles go through `double_to_eng`; integers up to 32 bits and
-/// texts of digits are written as decimal integers, so leading zeros go; a text that is a number by the current locale
-/// becomes neutral; an empty value gives an empty text, and every other text stays as it is, zero bytes too. All other
-/// types are changed by `VariantChangeType`, by the current locale. Kept: a text of digits beyond `int` gives the
-/// largest `int`. Fails:  `_com_error` with E_INVALIDARG for a null pointer, a null reference or references that run in
-/// a circle, with
-///         DISP_E_OVERFLOW for an unsigned integer beyond 32 signed bits, or with the code of the conversion.
+/// The neutral text of a value, by its type:
+///
+///     empty                        an empty text
+///     float, double                `double_to_eng`
+///     integers up to 32 bits       decimal
+///     text of digits alone         decimal, leading zeros gone
+///     text that is a number        by the current locale, as `IsNumericString` says: `double_to_eng`
+///     any other text               as it is, zero bytes too
+///     anything else                as `VariantChangeType` makes a text of it, by the current locale
+///
+/// References to a VARIANT are followed; a reference to anything else counts as anything else.
+/// Kept:   a text of digits beyond `int` gives the largest `int`.
+/// Fails:  `_com_error`: E_INVALIDARG for a null pointer, a null reference or references that run in a circle;
+///         DISP_E_OVERFLOW for an unsigned integer beyond 32 signed bits; the code of a conversion that fails.
 SPCBASE_API CString variant_to_eng(const VARIANT* value);
 
 /// Neutral text becomes text of the user's locale, by `TableHelpers::ParseToLocale`. Returns the argument.
@@ -69,19 +76,18 @@ SPCBASE_API CString& eng_to_i18n(CString& text);
 /// Text of the user's locale becomes neutral, by `TableHelpers::ParseTextBuffer`. Returns the argument.
 SPCBASE_API CString& i18n_to_eng(CString& text);
 
-// Hexadecimal text of an alphabet of its own: 0 to 9 and K to P, so the byte 0xAB is "KL". Other programs do not read
-// it.
+// Hexadecimal text of an alphabet of its own: 0 to 9 and K to P, so the byte 0xAB is "KL".
 
 /// Two characters for each byte, high half first.
 /// Null:   a count of 0 or less gives an empty text.
 /// Fails:  `DBException` "Invalid argument." for null bytes that count; `CMemoryException*` when the text would be
-/// longer
-///         than a CString can be.
+///         longer than a CString can be.
 SPCBASE_API CString byte_to_hex_text(const BYTE* bytes, int count);
 
 /// The bytes of such a text, half as many as `length_chars`, rounded down. The text must have so many characters; what
-/// is not of the alphabet gives some byte or other. Owns:   the caller releases the array with `delete[]`; it is never
-/// null. Fails:  `DBException` "Invalid argument." for a length below -1, or for a null text that counts.
+/// is not of the alphabet gives some byte or other.
+/// Owns:   the caller releases the array with `delete[]`; it is never null.
+/// Fails:  `DBException` "Invalid argument." for a length below -1, or for a null text that counts.
 SPCBASE_API BYTE* hex_text_to_byte(const char* text, int length_chars);
 
 // Names.
@@ -93,14 +99,16 @@ SPCBASE_API CString fix_spc_name(const CString& name, bool keep_line_ends);
 // Command-line parameters.
 
 /// Takes the next parameter of a command line. A parameter that opens with a double or single quote runs to the next
-/// one of its kind or the end, quotes left out; any other to the next white space. `parameter` must not hold the
-/// command line itself. Returns where to go on. At the end `parameter` is empty and the result points to the
-/// terminating zero; the parameter "" is empty too. Null:   `parameter` becomes empty, and null comes back.
+/// one of its kind or the end, quotes left out; any other runs to the next white space of ASCII.
+/// Shape:  `parameter` must not hold the command line itself.
+/// Null:   `parameter` becomes empty, and null comes back.
+/// Returns where to go on. At the end that is the terminating zero, and `parameter` is empty; so it is for "" alone.
 SPCBASE_API const char* GetNextParm(const char* command_line, CString& parameter);
 
-/// The reason that a command line passes in a file: the content of the file named behind "/n" or "/N". The file is
-/// deleted: it can be read once. An empty text when no file is named. The first name that is not empty counts. Null: an
-/// empty text. Fails:  `CFileException*` when the file cannot be opened or read.
+/// The reason that a command line passes in a file: the content of the file named behind "/n" or "/N". The first name
+/// that is not empty counts. The file is deleted, so a reason is read once. No name gives an empty text.
+/// Null:   an empty text.
+/// Fails:  as `FileToText` (files.h): `CFileException*` when the file cannot be opened or read.
 SPCBASE_API CString get_reason_param(const char* command_line);
 
 // Identifiers.

@@ -71,8 +71,8 @@ void expect_same_after_the_text(double value) {
 }
 
 TEST(NeutralNumbers, every_double_that_20_places_can_hold_comes_back_the_same) {
-  // Above this a step between two doubles is more than twice the last place.
-  constexpr double least = 4.6e-5;
+  // From here on the step between two doubles is larger than the last place.
+  constexpr double least = 0x1p-14;
   std::mt19937_64 random(20240315);
   int held = 0;
   for (int i = 0; i < 20000; ++i) {
@@ -85,6 +85,13 @@ TEST(NeutralNumbers, every_double_that_20_places_can_hold_comes_back_the_same) {
   std::uniform_real_distribution<double> measured(-1000.0, 1000.0);
   for (int i = 0; i < 20000; ++i)
     if (const double value = measured(random); std::fabs(value) >= least) expect_same_after_the_text(value);
+}
+
+TEST(NeutralNumbers, come_back_the_same_down_to_the_bound_and_not_below_it) {
+  expect_same_after_the_text(0x1p-14);
+  expect_same_after_the_text(std::nextafter(0x1p-14, 1.0));
+  const double below = 4.693274958951011607529227e-05;
+  EXPECT_NE(eng_to_double(double_to_eng(below)), below) << "its step is smaller than the last place";
 }
 
 TEST(NeutralNumbers, tiny_doubles_with_few_places_come_back_the_same) {

@@ -154,11 +154,13 @@ SPCBASE_API HRESULT VariantCopy(VARIANTARG* target, const VARIANTARG* source) no
 /// Fails: also E_INVALIDARG for VT_BYREF without a type or without an address.
 SPCBASE_API HRESULT VariantCopyInd(VARIANT* target, const VARIANTARG* source) noexcept;
 
-/// Converts a value to another type. The marks that part a number's digits are those of the process's locale (a comma
-/// for the decimal point in a German one); all else is by the rules of US English, as are all numbers under the locale
-/// "C". Numbers become text with 15 significant digits (7 for floats); a fraction becomes an integer by rounding half
-/// to even; texts are read as numbers with separators, sign before or behind, brackets, "$", "&H" and "&O". Fails:
-/// DISP_E_TYPEMISMATCH, DISP_E_OVERFLOW, DISP_E_BADVARTYPE, E_INVALIDARG, E_OUTOFMEMORY; the target is as before.
+/// Converts a value to another type. Target and source may be the same variant.
+/// The marks that part a number's digits are those of the process's locale (a comma for the decimal point in a German
+/// one); all else is by the rules of US English, as are all numbers under the locale "C".
+/// Numbers become text with 15 significant digits (7 for floats); a fraction becomes an integer by rounding half to
+/// even; texts are read as numbers with separators, sign before or behind, brackets, "$", "&H" and "&O".
+/// Fails: DISP_E_TYPEMISMATCH, DISP_E_OVERFLOW, DISP_E_BADVARTYPE, E_INVALIDARG, E_OUTOFMEMORY; the target is as
+///        before.
 SPCBASE_API HRESULT VariantChangeType(VARIANTARG* target, const VARIANTARG* source, USHORT flags,
                                       VARTYPE type) noexcept;
 

@@ -24,8 +24,7 @@ struct NumberMarks {
 /// The marks of US English.
 inline constexpr NumberMarks english_marks{};
 
-/// The marks of the current locale. The locale "C" names no group mark; one with a point as decimal mark and no group
-/// mark of its own has the comma here, as US English has.
+/// The marks of the current locale; "C" has no group mark.
 NumberMarks number_marks() noexcept;
 
 /// The decimal mark of the current locale as `printf` writes it and `strtod` reads it: the first character of what
