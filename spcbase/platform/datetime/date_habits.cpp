@@ -15,23 +15,22 @@ namespace platform {
 
 namespace {
 
-constexpr LCID us_english = 0x409;
+constexpr std::string_view us_english = "en_US";
 
 /// The locales whose habits are known exactly; the others follow the locale data.
 struct KnownHabits {
-  LCID locale;
+  std::string_view locale;
   const char* date_pattern;
   const char* time_pattern;
 };
 
 constexpr KnownHabits known_habits[] = {
-    {0x007F, "MM/dd/y", "HH:mm:ss"}, {0x0407, "d.M.y", "HH:mm:ss"}, {0x0409, "M/d/y", "h:mm:ss a"},
-    {0x040C, "dd/MM/y", "HH:mm:ss"}, {0x0411, "y/M/d", "H:mm:ss"},  {0x041D, "y-MM-dd", "HH:mm:ss"},
-    {0x0809, "dd/MM/y", "HH:mm:ss"},
+    {"", "MM/dd/y", "HH:mm:ss"},      {"de_DE", "d.M.y", "HH:mm:ss"}, {"en_US", "M/d/y", "h:mm:ss a"},
+    {"fr_FR", "dd/MM/y", "HH:mm:ss"}, {"ja_JP", "y/M/d", "H:mm:ss"},  {"sv_SE", "y-MM-dd", "HH:mm:ss"},
+    {"en_GB", "dd/MM/y", "HH:mm:ss"},
 };
 
-icu::Locale icu_locale(LCID locale) {
-  const std::string name = locale_name(locale);
+icu::Locale icu_locale(const std::string& name) {
   return name.empty() ? icu::Locale::getRoot() : icu::Locale(name.c_str());
 }
 
@@ -68,7 +67,7 @@ DateOrder order_of(std::string_view pattern) {
   return day < month ? DateOrder::day_month_year : DateOrder::month_day_year;
 }
 
-DateHabits make_habits(LCID locale) {
+DateHabits make_habits(const std::string& locale) {
   DateHabits habits;
   const auto* known = std::find_if(std::begin(known_habits), std::end(known_habits),
                                    [&](const KnownHabits& row) { return row.locale == locale; });
@@ -113,8 +112,8 @@ constexpr const char* english_days[] = {"Sunday", "Monday", "Tuesday", "Wednesda
 using Symbols = icu::DateFormatSymbols;
 
 /// The position of a word among the locale's own names, or -1. `months` chooses between months and days of the week.
-int local_position(std::string_view word, LCID locale, bool months) {
-  if (resolve_locale(locale) == us_english) return -1;
+int local_position(std::string_view word, const std::string& locale, bool months) {
+  if (locale == us_english) return -1;
   UErrorCode status = U_ZERO_ERROR;
   const Symbols symbols(icu_locale(locale), status);
   if (U_FAILURE(status)) return -1;
@@ -133,23 +132,22 @@ int local_position(std::string_view word, LCID locale, bool months) {
 
 }  // namespace
 
-const DateHabits& date_habits(LCID locale) {
+const DateHabits& date_habits(const std::string& locale) {
   struct Kept {
-    LCID locale;
+    std::string locale;
     DateHabits habits;
   };
   thread_local std::optional<Kept> kept;
-  const LCID wanted = resolve_locale(locale);
-  if (!kept || kept->locale != wanted) kept = Kept{wanted, make_habits(wanted)};
+  if (!kept || kept->locale != locale) kept = Kept{locale, make_habits(locale)};
   return kept->habits;
 }
 
-int month_named(std::string_view word, LCID locale) {
+int month_named(std::string_view word, const std::string& locale) {
   const int english = position(word, english_months, 12);
   return (english >= 0 ? english : local_position(word, locale, true)) + 1;
 }
 
-bool is_weekday_name(std::string_view word, LCID locale) {
+bool is_weekday_name(std::string_view word, const std::string& locale) {
   return position(word, english_days, 7) >= 0 || local_position(word, locale, false) > 0;
 }
 

@@ -5,9 +5,6 @@
 
 #include <string>
 #include <string_view>
-#include <vector>
-
-#include "spcbase/platform/system/types.h"
 
 namespace platform {
 
@@ -25,12 +22,14 @@ struct DateHabits {
   bool dot_parts_dates;
 };
 
+/// Locales go by the names that `date_locale` (user_locale.h) gives; the empty one is the invariant locale.
+
 /// The habits of a locale, kept by the thread until it asks for another one.
-const DateHabits& date_habits(LCID locale);
+const DateHabits& date_habits(const std::string& locale);
 
 /// The month, 1 to 12, that a word names in English or in the locale's language, in full or short; 0 for none.
-int month_named(std::string_view word, LCID locale);
+int month_named(std::string_view word, const std::string& locale);
 /// Whether a word names a day of the week.
-bool is_weekday_name(std::string_view word, LCID locale);
+bool is_weekday_name(std::string_view word, const std::string& locale);
 
 }  // namespace platform

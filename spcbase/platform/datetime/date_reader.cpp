@@ -13,6 +13,7 @@
 #include "spcbase/platform/datetime/date_habits.h"
 #include "spcbase/platform/datetime/date_text.h"
 #include "spcbase/platform/datetime/system_time.h"
+#include "spcbase/platform/datetime/user_locale.h"
 #include "spcbase/platform/text/locale.h"
 #include "spcbase/platform/text/utf8_walk.h"
 
@@ -233,7 +234,7 @@ std::optional<Date> date_with_name(int month, bool name_first, std::span<const i
 }
 
 /// Makes a date of the pieces that are not the time.
-std::optional<Date> make_date(const Pieces& pieces, LCID locale, DateOrder order) {
+std::optional<Date> make_date(const Pieces& pieces, const std::string& locale, DateOrder order) {
   std::vector<int> numbers;
   int month = 0;
   bool name_first = false;
@@ -273,7 +274,8 @@ double to_variant(const std::optional<Date>& date, const TimeOfDay& time) {
 HRESULT date_from_text(std::string_view utf8, LCID locale, DWORD flags, double& date) {
   std::optional<Pieces> pieces = cut(utf8);
   if (!pieces || pieces->empty()) return DISP_E_TYPEMISMATCH;
-  const DateHabits& habits = date_habits(locale);
+  const std::string& locale_name = date_locale(locale);
+  const DateHabits& habits = date_habits(locale_name);
   const TimePlace place = find_time(*pieces, habits);
   if (place.numbers > 0) {
     if (!place.time) return DISP_E_TYPEMISMATCH;
@@ -283,7 +285,7 @@ HRESULT date_from_text(std::string_view utf8, LCID locale, DWORD flags, double& 
   }
   std::optional<Date> day;
   if (!pieces->empty()) {
-    day = make_date(*pieces, locale, habits.order);
+    day = make_date(*pieces, locale_name, habits.order);
     if (!day) return DISP_E_TYPEMISMATCH;
   }
   if ((flags & VAR_TIMEVALUEONLY) != 0) day.reset();

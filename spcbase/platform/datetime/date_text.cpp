@@ -6,6 +6,7 @@
 
 #include "spcbase/platform/datetime/date_habits.h"
 #include "spcbase/platform/datetime/system_time.h"
+#include "spcbase/platform/datetime/user_locale.h"
 
 namespace platform {
 
@@ -88,7 +89,7 @@ HRESULT text_from_date(double date, LCID locale, DWORD flags, std::string& text)
     with_time = false;
     with_date = true;
   }
-  const DateHabits& habits = date_habits(locale);
+  const DateHabits& habits = date_habits(date_locale(locale));
   std::string result;
   if (with_date) append_by_pattern(result, habits.date_pattern, fields, habits);
   if (with_date && with_time) result.push_back(' ');

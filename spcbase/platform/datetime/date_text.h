@@ -1,6 +1,10 @@
 /// Dates as texts, by the habits of a locale: reading and writing.
 ///
-/// Part of the platform layer. The locales 0, 0x400 and 0x800 are US English; 0x7F is the invariant one.
+/// Part of the platform layer. The locales 0, 0x400 and 0x800 are the user's, 0x7F is the invariant one.
+///
+/// The user's locale is the one that the program chose for dates: `setlocale(LC_TIME, ...)` or `setlocale(LC_ALL, ...)`
+/// for the process, `uselocale` for a thread. A program that chose none has the locale "C", and dates in US English;
+/// `setlocale(LC_ALL, "")` takes over what the user's environment says. Numbers follow the same choice for LC_NUMERIC.
 #pragma once
 
 #include <string>

@@ -102,9 +102,8 @@ COleDateTimeSpan COleDateTimeSpan::operator-(const COleDateTimeSpan& other) cons
 // COleDateTime
 
 COleDateTime COleDateTime::GetCurrentTime() noexcept {
-  SYSTEMTIME fields;
-  GetLocalTime(&fields);
-  return COleDateTime(fields);
+  const __time64_t seconds = std::chrono::floor<std::chrono::seconds>(platform::now()).time_since_epoch().count();
+  return COleDateTime(seconds);
 }
 
 COleDateTime& COleDateTime::operator=(double date) noexcept {

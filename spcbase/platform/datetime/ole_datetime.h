@@ -74,7 +74,7 @@ class SPCBASE_API COleDateTime {
  public:
   enum DateTimeStatus { error = -1, valid = 0, invalid = 1, null = 2 };
 
-  /// The present in the current zone.
+  /// The present second in the current zone; invalid when `_localtime64_s` refuses it.
   static COleDateTime GetCurrentTime() noexcept;
 
   /// 1899-12-30 00:00, valid.
