@@ -3,6 +3,7 @@
 /// Part of the database foundation, for the library's own use. messages.inc holds the table.
 #pragma once
 
+#include <memory>
 #include <span>
 
 #include "spcbase/platform/system/message_source.h"
@@ -24,5 +25,9 @@ struct Message {
 /// The whole table, ordered by number.
 std::span<const Message> all_messages() noexcept;
 
-/// The library's own source of messages.
+/// The library's own source of messages: English.
 const MessageSource& own_messages() noexcept;
+
+/// The messages as they are shown: the translations that the host installed (messages.h), and English for the others.
+/// Never null. The source lives as long as the pointer, also when the host installs another one meanwhile.
+std::shared_ptr<const MessageSource> current_messages();

@@ -26,8 +26,8 @@ class SystemText {
 
 }  // namespace
 
-OwnMessages::OwnMessages() noexcept : previous_(AfxGetResourceHandle()) {
-  AfxSetResourceHandle(own_messages().handle());
+OwnMessages::OwnMessages() : messages_(current_messages()), previous_(AfxGetResourceHandle()) {
+  AfxSetResourceHandle(messages_->handle());
 }
 
 OwnMessages::~OwnMessages() { AfxSetResourceHandle(previous_); }

@@ -3,25 +3,29 @@
 /// Part of the database foundation, for the library's own use.
 #pragma once
 
+#include <memory>
+
 #include "spcbase/foundation/internal/message_table.h"
 #include "spcbase/platform/system/types.h"
 #include "spcbase/platform/text/cstring.h"
 
-/// Makes the library's own table the thread's current message source for a scope: a host carries a table of its own,
-/// which comes back at the end, however the scope is left.
+/// Makes the library's own table, in the language that the host installed (messages.h), the thread's current message
+/// source for a scope: a host carries a table of its own, which comes back at the end, however the scope is left.
 class OwnMessages {
  public:
-  OwnMessages() noexcept;
+  OwnMessages();
   ~OwnMessages();
   OwnMessages(const OwnMessages&) = delete;
   OwnMessages& operator=(const OwnMessages&) = delete;
 
  private:
+  std::shared_ptr<const MessageSource> messages_;
   HINSTANCE previous_;
 };
 
-/// The text with this number from the library's own table, empty for an unknown number. The thread's current message
-/// source is the same before and after.
+/// The text with this number from the library's own table, in the language that the host installed; empty for an
+/// unknown number. The thread's current message source is the same before and after.
+/// A text is a format only when its English form has placeholders; then it takes the same values in every language.
 CString load_message(UINT id);
 
 /// Fails: always, `DBException` with the text and 0x80004005.
