@@ -4,6 +4,7 @@
 
 #include "spcbase/platform/datetime/calendar.h"
 #include "spcbase/time/calendar.h"
+#include "spcbase/time/internal/present.h"
 #include "spcbase/time/internal/system_time_converter.h"
 
 namespace {
@@ -41,11 +42,7 @@ tagTIMESTAMP_STRUCT to_utc_timestamp(const COleDateTime& local) {
   return timestamp;
 }
 
-COleDateTime present_utc() {
-  COleDateTime now = COleDateTime::GetCurrentTime();
-  to_utc(now);
-  return now;
-}
+COleDateTime present_utc() { return read_present(true); }
 
 COleDateTime LocalMomentReader::read(const tagTIMESTAMP_STRUCT& utc) const {
   constexpr double days_per_nanosecond = 1 / (seconds_per_day * 1e9);
