@@ -75,6 +75,14 @@ Job bytes_to_array();
 Job bytes_to_vector();
 Job texts_to_array();
 Job texts_to_vector();
+Job encipher_secret();
+Job decipher_secret();
+Job parse_schedule();
+Job parse_schedule_by_regex();
+Job parse_schedule_by_hand();
+Job parse_range();
+Job parse_range_by_regex();
+Job parse_range_by_hand();
 
 /// Every job, in the order of the table.
 std::vector<Job> all_jobs();
