@@ -10,36 +10,15 @@
 #include "spcbase/dataentry/sample.h"
 #include "spcbase/foundation/failure.h"
 #include "spcbase/foundation/outcome.h"
-#include "spcbase/platform/database/observer.h"
 #include "tests/support/database_fixture.h"
 #include "tests/support/grid.h"
 #include "tests/support/plant.h"
 #include "tests/support/recording_engine.h"
+#include "tests/support/row_texts.h"
+#include "tests/support/statement_log.h"
 #include "tools/engine/reference_engine.h"
 
 namespace test_support {
-
-/// Keeps the statements of a connection for a scope.
-class StatementLog : public spcdb::StatementObserver {
- public:
-  explicit StatementLog(CDatabase& db) : db_(db) { db_.set_observer(this); }
-  ~StatementLog() override { db_.set_observer(nullptr); }
-  void on_statement(const spcdb::StatementReport& report) noexcept override {
-    statements.emplace_back(report.statement);
-  }
-  /// How many statements hold a text.
-  int count(const std::string& text) const {
-    int found = 0;
-    for (const std::string& statement : statements)
-      found += statement.find(text) != std::string::npos;
-    return found;
-  }
-
-  std::vector<std::string> statements;
-
- private:
-  CDatabase& db_;
-};
 
 /// What `work` throws as a `long`; 0 when it throws nothing, a failed test for everything else.
 template <class Work>
@@ -78,16 +57,7 @@ class DataEntryTest : public DatabaseTest {
         helper.get_data(engine.pointer(), db(), static_cast<int>(sample), profile, revision, 1, 1, nullptr));
     return texts_of(grid.get());
   }
-  /// The rows of a statement, each as its values parted by "|".
-  std::vector<std::string> rows(const std::string& statement) {
-    std::vector<std::string> texts;
-    for (const auto& row : database().rows(statement)) {
-      std::string& text = texts.emplace_back();
-      for (std::size_t i = 0; i < row.size(); ++i)
-        text += (i == 0 ? "" : "|") + row[i].value_or("NULL");
-    }
-    return texts;
-  }
+  std::vector<std::string> rows(const std::string& statement) { return row_texts(database(), statement); }
 
   Plant plant;
   RecordingEngine engine;

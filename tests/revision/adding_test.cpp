@@ -93,6 +93,15 @@ TEST_P(Adding, a_reason_is_cut_to_4000_and_never_within_a_character) {
   EXPECT_EQ(stored_reason("x" + umlauts), "x" + umlauts.substr(0, 3998));
 }
 
+TEST_P(Adding, behind_the_last_number_of_the_column_comes_its_first) {
+  insert_row(5, 2147483647);
+  execute("UPDATE CSOBJREV SET MAJORVER = 2147483647, MINORVER = 2147483647");
+  constexpr int first = -2147483647 - 1;
+  EXPECT_EQ(add("a"), first);
+  EXPECT_EQ(versions().front(), "-2147483648|2147483647|-2147483648");
+  EXPECT_EQ(bytes_of(*get(first)), "a");
+}
+
 TEST_P(Adding, null_texts_are_stored_as_empty_ones) {
   manager.add_new_revision(&db(), -1, 5, *payload("p"), anna, nullptr, nullptr, false);
   EXPECT_EQ(rows("SELECT CUSER, CREASON FROM CSOBJREV"), Texts{"|"});

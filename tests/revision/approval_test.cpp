@@ -99,6 +99,30 @@ TEST_P(ApprovalInPlace, of_a_record_that_the_cache_holds_twice_one_stays_without
   EXPECT_EQ(known_latest(), 1);
 }
 
+TEST_P(ApprovalInPlace, of_a_record_that_adding_kept_already_two_stay_without_the_approval_as_is_meant) {
+  add("a");
+  const auto added = kept().front();
+  EXPECT_EQ(approve(1), Result(true, 1));
+  EXPECT_EQ(kept(), (std::vector{added, added}));
+  EXPECT_EQ(get(0)->approval, nullptr);
+}
+
+TEST_P(ApprovalInPlace, only_the_approved_revision_leaves_the_cache) {
+  HeldClock clock(utc(2024, 7, 1, 12));
+  manager = rev::RevisionManager(object_type, 1);
+  add_elsewhere("a");
+  add_elsewhere("b");
+  clock.advance(std::chrono::minutes(5));
+  {
+    const Aging aging(db(), clock);
+    EXPECT_EQ(approve(2), Result(true, 2));
+  }
+  EXPECT_TRUE(kept().empty());
+  const auto first = get(1);
+  EXPECT_EQ(get(2)->approval->auser, "bob");
+  EXPECT_EQ(kept().front(), first);
+}
+
 TEST_P(ApprovalInPlace, a_read_afterwards_gives_the_approval_with_caching_off) {
   add_elsewhere("a");
   manager = rev::RevisionManager(object_type, -1);
@@ -120,7 +144,7 @@ TEST_P(ApprovalInPlace, level_0_is_an_approval_and_a_second_one_is_reason_2) {
   EXPECT_EQ(reason_of([&] { approve(1); }), 2) << "whatever the cache believes";
 }
 
-TEST_P(ApprovalInPlace, a_reason_of_5000_is_stored_with_4000_and_never_half_a_character) {
+TEST_P(ApprovalInPlace, a_reason_of_4001_or_5000_is_stored_with_4000_and_never_half_a_character) {
   add("a", false);
   const std::string umlauts = [] {
     std::string text = "x";
@@ -130,9 +154,12 @@ TEST_P(ApprovalInPlace, a_reason_of_5000_is_stored_with_4000_and_never_half_a_ch
   }();
   approve_by(manager, 1, false, 2, 4, umlauts.c_str());
   EXPECT_EQ(value("SELECT AREASON FROM CSOBJREV"), umlauts.substr(0, 3999));
-  add("b");
-  approve_by(manager, 2, false, 2, 4, std::string(5000, 'r').c_str());
-  EXPECT_EQ(value("SELECT AREASON FROM CSOBJREV WHERE REVISION = 2"), std::string(4000, 'r'));
+  for (const int length : {4000, 4001, 5000}) {
+    const int revision = add("b");
+    approve_by(manager, revision, false, 2, 4, std::string(static_cast<std::size_t>(length), 'r').c_str());
+    EXPECT_EQ(value("SELECT AREASON FROM CSOBJREV WHERE REVISION = " + std::to_string(revision)),
+              std::string(4000, 'r'));
+  }
 }
 
 TEST_P(ApprovalInPlace, an_approved_revision_stays_as_it_is_when_a_new_one_goes_above_it) {
@@ -320,6 +347,20 @@ TEST_P(ApprovalRefused, an_approval_that_is_seen_only_on_the_row_is_reason_2_and
   EXPECT_EQ(get(1), before);
   EXPECT_EQ(before->approval, nullptr);
   EXPECT_TRUE(db().connection() != nullptr);
+}
+
+TEST_P(ApprovalRefused, on_a_connection_that_is_not_open_cannot_open) {
+  CDatabaseEx closed;
+  const auto read = guarded([&] { return manager.approve(&closed, 0, 5, 1, 2, 4, bob, "bob", "", false); });
+  ASSERT_FALSE(read.ok());
+  EXPECT_EQ(read.failure().text, "Can not open recordset.");
+  add("a");
+  // The record is in the cache, so that it is the row that cannot be looked at.
+  for (const bool major : {false, true}) {
+    const auto written = guarded([&] { return manager.approve(&closed, 0, 5, 1, 2, 4, bob, "bob", "", major); });
+    ASSERT_FALSE(written.ok());
+    EXPECT_EQ(written.failure().text, "Can not open recordset.");
+  }
 }
 
 TEST_P(ApprovalRefused, a_row_that_has_gone_meanwhile_gives_false_and_the_number) {

@@ -70,9 +70,11 @@ class RevisionSweep : public test_support::RevisionTest {
     return record ? bytes_of(*record) : "no row";
   }
 
-  /// Fails each call of `work` once. `after_failure` is what caches hold then: reading fills them before the writing
-  /// fails.
-  int sweep(Work work, bool in_transaction, const std::vector<std::string>& after_failure) {
+  /// Fails each call of `work` once. The caches hold then what they held before: nothing, and when the writing of an
+  /// approval fails what its two looks at the revision have read.
+  int sweep(Work work, bool in_transaction) {
+    const bool reads_first = work != &RevisionSweep::add_one;
+    const std::vector<std::string> after_failure{"", reads_first ? "5:1old 5:1old 5=1 " : ""};
     int failures = 0;
     std::vector<int> open;
     for (std::size_t k = 1;; ++k) {
@@ -84,10 +86,12 @@ class RevisionSweep : public test_support::RevisionTest {
       const auto run = second_connection();
       if (kind() == test_support::ServerKind::sqlite) run->ExecuteSQL(no_waiting);
       run->connection()->session().gate().set_hook(&hook);
+      bool work_done = false;
       const auto outcome = guarded([&] {
         if (!in_transaction) return work(swept, *run);
         AutoODBCTransaction transaction(*run, true);
         const int revision = work(swept, *run);
+        work_done = true;
         transaction.commit();
         return revision;
       });
@@ -110,6 +114,9 @@ class RevisionSweep : public test_support::RevisionTest {
         } else {
           EXPECT_THAT(all_rows(),
                       testing::StartsWith(work == &RevisionSweep::approve_one ? "5|1|0|1|anna|first|" : before));
+        }
+        // Where only the end of the caller's transaction fails, the caches know nothing of it.
+        if (!work_done) {
           EXPECT_THAT(after_failure, testing::Contains(caches(swept)));
         }
       }
@@ -121,24 +128,22 @@ class RevisionSweep : public test_support::RevisionTest {
 };
 INSTANTIATE_TEST_SUITE_P(Servers, RevisionSweep, test_support::main_servers(), test_support::server_name);
 
-TEST_P(RevisionSweep, adding_alone) { EXPECT_GT(sweep(&RevisionSweep::add_one, false, {""}), 0); }
+TEST_P(RevisionSweep, adding_alone) { EXPECT_GT(sweep(&RevisionSweep::add_one, false), 0); }
 
-TEST_P(RevisionSweep, adding_in_the_callers_transaction) { EXPECT_GT(sweep(&RevisionSweep::add_one, true, {}), 0); }
+TEST_P(RevisionSweep, adding_in_the_callers_transaction) { EXPECT_GT(sweep(&RevisionSweep::add_one, true), 0); }
 
-TEST_P(RevisionSweep, approving_in_place_alone) {
-  EXPECT_GT(sweep(&RevisionSweep::approve_one, false, {"", "5:1old 5:1old 5=1 "}), 3);
-}
+TEST_P(RevisionSweep, approving_in_place_alone) { EXPECT_GT(sweep(&RevisionSweep::approve_one, false), 3); }
 
 TEST_P(RevisionSweep, approving_in_place_in_the_callers_transaction) {
-  EXPECT_GT(sweep(&RevisionSweep::approve_one, true, {}), 3);
+  EXPECT_GT(sweep(&RevisionSweep::approve_one, true), 3);
 }
 
 TEST_P(RevisionSweep, approving_with_a_major_version_alone) {
-  EXPECT_GT(sweep(&RevisionSweep::approve_major, false, {"", "5:1old 5:1old 5=1 "}), 3);
+  EXPECT_GT(sweep(&RevisionSweep::approve_major, false), 3);
 }
 
 TEST_P(RevisionSweep, approving_with_a_major_version_in_the_callers_transaction) {
-  EXPECT_GT(sweep(&RevisionSweep::approve_major, true, {}), 3);
+  EXPECT_GT(sweep(&RevisionSweep::approve_major, true), 3);
 }
 
 }  // namespace

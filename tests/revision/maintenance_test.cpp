@@ -252,13 +252,28 @@ TEST(reset_migration, a_server_of_no_known_dialect_keeps_its_constraint) {
             followed_by_forgetting({"TRUNCATE TABLE CSREVDAT", "TRUNCATE TABLE CSOBJREV", "TRUNCATE TABLE CSMGSTAT"}));
 }
 
-TEST(reset_migration, where_truncation_is_refused_three_tables_are_emptied_by_delete) {
-  Played server(1);
-  server.script->on_prefix("TRUNCATE").refuse(error("42000", 2266, "unique/primary keys referenced"));
-  rev::reset_migration(server.open());
-  EXPECT_EQ(server.statements(),
-            followed_by_forgetting({"TRUNCATE TABLE CSREVDAT", "DELETE FROM CSREVDAT", drop_constraint,
-                                    "DELETE FROM CSOBJREV", add_constraint, "DELETE FROM CSMGSTAT"}));
+TEST(reset_migration, where_truncation_of_the_payloads_is_refused_three_tables_are_emptied_by_delete) {
+  for (int dialect = -1; dialect < 4; ++dialect) {
+    Played server(dialect);
+    // The others could be truncated, but are not asked for it.
+    server.script->on("TRUNCATE TABLE CSREVDAT").refuse(error("42000", 2266, "unique/primary keys referenced"));
+    rev::reset_migration(server.open());
+    Texts emptying{"TRUNCATE TABLE CSREVDAT", "DELETE FROM CSREVDAT", "DELETE FROM CSOBJREV", "DELETE FROM CSMGSTAT"};
+    if (dialect >= 0) {
+      emptying.insert(emptying.begin() + 3, add_constraint);
+      emptying.insert(emptying.begin() + 2, dialect == 3 ? drop_foreign_key : drop_constraint);
+    }
+    EXPECT_EQ(server.statements(), followed_by_forgetting(emptying)) << dialect;
+  }
+}
+
+TEST(reset_migration, when_the_payloads_can_be_deleted_in_no_way_the_failure_passes_and_nothing_else_is_sent) {
+  Played server(0);
+  server.script->on_regex(".*CSREVDAT").refuse(error("42501", 229, "permission was denied"));
+  const auto outcome = guarded([&] { rev::reset_migration(server.open()); });
+  ASSERT_FALSE(outcome.ok());
+  EXPECT_EQ(outcome.failure().failure_class, FailureClass::permission);
+  EXPECT_EQ(server.statements(), (Texts{"TRUNCATE TABLE CSREVDAT", "DELETE FROM CSREVDAT"}));
 }
 
 TEST(reset_migration, the_dialect_is_asked_for_when_the_payloads_are_gone) {

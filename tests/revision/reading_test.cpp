@@ -275,6 +275,14 @@ TEST_P(Reading, a_streaming_refusal_is_the_callers_with_size_0_and_a_second_try_
   EXPECT_EQ(bytes_of(*read.value()), "a");
 }
 
+TEST_P(Reading, the_number_of_no_revision_is_never_looked_up_in_the_cache) {
+  insert_row(5, -300);
+  const auto first = get(-300);
+  ASSERT_NE(first, nullptr);
+  EXPECT_NE(get(-300), first);
+  EXPECT_EQ(kept().size(), 2U);
+}
+
 class Listing : public Reading {};
 INSTANTIATE_TEST_SUITE_P(Servers, Listing, test_support::main_servers(), test_support::server_name);
 
@@ -316,6 +324,18 @@ TEST_P(Listing, of_an_object_without_rows_leaves_the_list_and_forgets_the_latest
   EXPECT_EQ(manager.get_all_revision(&db(), 5, all), 0);
   EXPECT_EQ(all.size(), 1U);
   EXPECT_EQ(known_latest(), 0);
+}
+
+TEST_P(Listing, a_failure_leaves_the_latest_number_forgotten) {
+  add("a");
+  const auto script = play();
+  script->on_regex("SELECT .*").refuse_at_prepare(test_support::error("HY000", 4711, "not now"));
+  std::vector<rev::RevisionBaseInfo> all;
+  const auto outcome = guarded([&] { return manager.get_all_revision(&db(), 5, all); });
+  ASSERT_FALSE(outcome.ok());
+  EXPECT_EQ(outcome.failure().native, 4711);
+  EXPECT_EQ(known_latest(), 0);
+  EXPECT_EQ(kept().size(), 1U);
 }
 
 TEST_P(Listing, a_constant_manager_lists_and_learns_the_latest_number_too) {

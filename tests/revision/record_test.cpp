@@ -30,7 +30,9 @@ TEST(RevisionBaseInfo, a_new_record_is_no_revision_and_has_no_approval) {
   EXPECT_EQ(record.ctime.GetStatus(), COleDateTime::null);
   EXPECT_TRUE(record.cuser.IsEmpty());
   EXPECT_TRUE(record.creason.IsEmpty());
-  static_assert(!std::is_polymorphic_v<rev::RevisionBaseInfo>);
+  static_assert(!std::is_polymorphic_v<rev::RevisionBaseInfo> && !std::is_polymorphic_v<rev::RevisionInfo> &&
+                !std::is_polymorphic_v<rev::RevisionApprovalInfo>);
+  static_assert(std::has_virtual_destructor_v<LongBinWrapper>);
 }
 
 TEST(RevisionApprovalInfo, a_new_approval_is_empty) {

@@ -11,13 +11,14 @@
 #include "spcbase/foundation/blob.h"
 #include "spcbase/foundation/failure.h"
 #include "spcbase/foundation/outcome.h"
-#include "spcbase/platform/database/observer.h"
 #include "spcbase/platform/database/odbc_session.h"
 #include "spcbase/platform/database/sqlite_session.h"
 #include "spcbase/revision/manager.h"
 #include "tests/support/database_fixture.h"
 #include "tests/support/held_clock.h"
+#include "tests/support/row_texts.h"
 #include "tests/support/scripted_session.h"
+#include "tests/support/statement_log.h"
 #include "tests/support/zone_guard.h"
 
 namespace rev {
@@ -31,30 +32,6 @@ struct RevisionManagerProbe {
 }  // namespace rev
 
 namespace test_support {
-
-/// Keeps the statements of a connection for a scope.
-class StatementLog : public spcdb::StatementObserver {
- public:
-  explicit StatementLog(CDatabase& db) : db_(db) { db_.set_observer(this); }
-  ~StatementLog() override { db_.set_observer(nullptr); }
-  StatementLog(const StatementLog&) = delete;
-  StatementLog& operator=(const StatementLog&) = delete;
-  void on_statement(const spcdb::StatementReport& report) noexcept override {
-    statements.emplace_back(report.statement);
-  }
-  /// How many statements hold a text.
-  int count(const std::string& text) const {
-    int found = 0;
-    for (const std::string& statement : statements)
-      found += statement.find(text) != std::string::npos;
-    return found;
-  }
-
-  std::vector<std::string> statements;
-
- private:
-  CDatabase& db_;
-};
 
 /// A payload of these bytes; none for an empty text.
 inline std::unique_ptr<CLongBinary> payload(const std::string& bytes) {
@@ -119,16 +96,7 @@ class RevisionTest : public DatabaseTest {
     EXPECT_EQ(manager.get_all_revision(&db(), object, all), 0);
     return all;
   }
-  /// The rows of a statement, each as its values parted by "|".
-  std::vector<std::string> rows(const std::string& statement) {
-    std::vector<std::string> texts;
-    for (const auto& row : database().rows(statement)) {
-      std::string& text = texts.emplace_back();
-      for (std::size_t i = 0; i < row.size(); ++i)
-        text += (i == 0 ? "" : "|") + row[i].value_or("NULL");
-    }
-    return texts;
-  }
+  std::vector<std::string> rows(const std::string& statement) { return row_texts(database(), statement); }
   /// Number and version of each row of an object.
   std::vector<std::string> versions(int object = 5) {
     return rows("SELECT REVISION, MAJORVER, MINORVER FROM CSOBJREV WHERE OBJTYPE = 3 AND OBJID = " +

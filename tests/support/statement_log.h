@@ -1,0 +1,35 @@
+/// The statements that a connection was given.
+#pragma once
+
+#include <algorithm>
+#include <string>
+#include <vector>
+
+#include "spcbase/platform/database/database.h"
+#include "spcbase/platform/database/observer.h"
+
+namespace test_support {
+
+/// Keeps the statements of a connection for a scope.
+class StatementLog : public spcdb::StatementObserver {
+ public:
+  explicit StatementLog(CDatabase& db) : db_(db) { db_.set_observer(this); }
+  ~StatementLog() override { db_.set_observer(nullptr); }
+  StatementLog(const StatementLog&) = delete;
+  StatementLog& operator=(const StatementLog&) = delete;
+  void on_statement(const spcdb::StatementReport& report) noexcept override {
+    statements.emplace_back(report.statement);
+  }
+  /// How many statements hold a text.
+  int count(const std::string& text) const {
+    return static_cast<int>(
+        std::ranges::count_if(statements, [&](const auto& s) { return s.find(text) != std::string::npos; }));
+  }
+
+  std::vector<std::string> statements;
+
+ private:
+  CDatabase& db_;
+};
+
+}  // namespace test_support
