@@ -101,10 +101,10 @@ std::optional<std::size_t> decode(std::string_view text, char pad_char, SecretBu
 /// The hash and the key of one operation.
 class TextCipher::SessionKey {
  public:
-  SessionKey(const TextCipherSettings& settings, HCRYPTPROV provider, const ProviderRow& row, const char* key_text)
+  SessionKey(const TextCipherSettings& settings, HCRYPTPROV held, const ProviderRow& row, const char* key_text)
       : settings_(settings), calls_(*settings.calls) {
     try {
-      derive(provider, row, key_text);
+      derive(held, row, key_text);
     } catch (...) {
       destroy();
       throw;
@@ -117,11 +117,11 @@ class TextCipher::SessionKey {
   HCRYPTKEY get() const noexcept { return key_; }
 
  private:
-  void derive(HCRYPTPROV provider, const ProviderRow& row, const char* key_text) {
-    check(calls_.create_hash(provider, CALG_SHA1, &hash_));
+  void derive(HCRYPTPROV held, const ProviderRow& row, const char* key_text) {
+    check(calls_.create_hash(held, CALG_SHA1, &hash_));
     if (!row.salt_on_key && !settings_.salt_text.empty()) add(settings_.salt_text);
     if (key_text) add(key_text);
-    check(calls_.derive_key(provider, row.algorithm, hash_, row.key_bits << 16U, &key_));
+    check(calls_.derive_key(held, row.algorithm, hash_, row.key_bits << 16U, &key_));
     if (row.salt_on_key && !settings_.salt_text.empty()) set(KP_SALT, settings_.salt_text);
     if (row.iv_on_key && !settings_.iv_text.empty()) set(KP_IV, settings_.iv_text);
   }
@@ -210,8 +210,7 @@ bool TextCipher::try_to_acquire(std::int32_t index) {
   const auto acquire = [&](DWORD flag) {
     return settings_.calls->acquire_context(&acquired, key_container, row.name, row.type, CRYPT_VERIFYCONTEXT | flag);
   };
-  const bool done =
-      acquire(0) || acquire(CRYPT_NEWKEYSET) || (acquire(CRYPT_DELETEKEYSET) && acquire(CRYPT_NEWKEYSET));
+  const bool done = acquire(0) || acquire(CRYPT_NEWKEYSET) || (acquire(CRYPT_DELETEKEYSET) && acquire(CRYPT_NEWKEYSET));
   if (done) provider = acquired;
   return done;
 }

@@ -1,5 +1,6 @@
 // Plan
 //   A host uses OpenSSL too: its algorithms, its configuration and its queue of failures stay as they were
+//   Where OpenSSL has no legacy provider, its algorithm alone is missing
 //   Threads may derive and encipher at once
 #include <gtest/gtest.h>
 #include <openssl/err.h>
@@ -7,11 +8,13 @@
 #include <openssl/provider.h>
 
 #include <atomic>
+#include <cstdlib>
 #include <string>
 #include <thread>
 #include <vector>
 
 #include "spcbase/platform/crypto/provider.h"
+#include "spcbase/platform/system/system_error.h"
 
 namespace {
 
@@ -67,6 +70,23 @@ TEST(HostsOpenSsl, keeps_its_queue_of_failures) {
   CryptDestroyKey(key);
   CryptDestroyHash(hash);
   CryptReleaseContext(provider, 0);
+}
+
+// OpenSSL looks for its legacy provider in the folder that its own variable names.
+void exit_well_when_rc4_is_missed_and_then_found() {
+  setenv("OPENSSL_MODULES", "/nowhere", 1);
+  HCRYPTPROV provider = 0;
+  const bool missed = !CryptAcquireContextW(&provider, nullptr, MS_DEF_PROV, PROV_RSA_FULL, CRYPT_VERIFYCONTEXT) &&
+                      GetLastError() == NTE_PROVIDER_DLL_FAIL && ERR_peek_error() == 0;
+  const bool others_work = encipher(MS_ENHANCED_PROV, CALG_3DES, 168, "a text").size() == 8;
+  unsetenv("OPENSSL_MODULES");
+  const bool found = encipher(MS_DEF_PROV, CALG_RC4, 56, "a text").size() == 6;
+  std::exit(missed && others_work && found ? 0 : 1);
+}
+
+TEST(MissingLegacyProvider, fails_the_base_provider_alone_and_is_looked_for_again) {
+  testing::FLAGS_gtest_death_test_style = "threadsafe";  // a program of its own, which has not used RC4 yet
+  EXPECT_EXIT(exit_well_when_rc4_is_missed_and_then_found(), testing::ExitedWithCode(0), "");
 }
 
 TEST(ProvidersOfThreads, work_at_once) {
