@@ -9,11 +9,10 @@ namespace {
 
 char digit_of(unsigned int half) { return static_cast<char>(half < 10 ? '0' + half : 'A' + half); }
 
-/// What a character counts, within a byte.
+/// What a character counts, within a byte. One above 127 counts from "0", as it does where characters have a sign.
 unsigned int half_of(char digit) {
-  // A byte above 127 counts as below "9", as it does where characters have a sign.
-  const int number = static_cast<signed char>(digit);
-  return static_cast<BYTE>(number - (number <= '9' ? '0' : 'A'));
+  const auto byte = static_cast<BYTE>(digit);
+  return static_cast<BYTE>(byte - (byte <= '9' || byte > 127 ? '0' : 'A'));
 }
 
 }  // namespace
