@@ -271,22 +271,21 @@ TEST(ToVector, keeps_what_was_added_before_an_element_that_fails) {
 /// An object that ends the access to an array when it is counted.
 class meddling_object final : public IDispatch {
  public:
-  explicit meddling_object(SAFEARRAY* array) : array_(array) {}
   HRESULT QueryInterface(REFIID, void**) override { return E_NOINTERFACE; }
   ULONG AddRef() override {
-    SafeArrayUnaccessData(array_);
+    SafeArrayUnaccessData(array);
     return 2;
   }
   ULONG Release() override { return 1; }
 
- private:
-  SAFEARRAY* array_;
+  SAFEARRAY* array = nullptr;
 };
 
 TEST(ToVector, an_access_that_cannot_be_ended_is_a_failure_with_all_elements_added) {
+  meddling_object object;
   COleSafeArray array;
   array.CreateOneDim(VT_DISPATCH, 1);
-  meddling_object object(array.parray);
+  object.array = array.parray;
   *static_cast<IDispatch**>(array.parray->pvData) = &object;
   std::vector<dispatch_pointer> pointers;
   EXPECT_EQ(thrown_by([&] { to_vector(pointers, array.parray); }), "0x8000FFFF");
