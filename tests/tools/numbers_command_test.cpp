@@ -12,12 +12,8 @@ namespace {
 
 using command_test::Answer;
 
-class NumbersCommand : public test_support::DatabaseTest {
+class NumbersCommand : public command_test::OnDatabase {
  protected:
-  Answer spc(std::vector<std::string> arguments) {
-    arguments.insert(arguments.begin(), {"--connect", database().connect_text()});
-    return command_test::run(arguments);
-  }
   void add_sample(int id) { execute("INSERT INTO CSSAMP (SAMPID, PROFID) VALUES (" + std::to_string(id) + ", 1)"); }
 };
 

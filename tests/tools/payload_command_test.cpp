@@ -14,17 +14,13 @@ namespace {
 
 using command_test::Answer;
 
-class PayloadCommand : public test_support::DatabaseTest {
+class PayloadCommand : public command_test::OnDatabase {
  protected:
   PayloadCommand() {
     execute("INSERT INTO CSMON (MONID) VALUES (3)");
     execute("INSERT INTO CSPROF (PROFID) VALUES (5)");
   }
 
-  Answer spc(std::vector<std::string> arguments) {
-    arguments.insert(arguments.begin(), {"--connect", database().connect_text()});
-    return command_test::run(arguments);
-  }
   std::string file(const std::string& bytes) {
     std::ofstream(folder_.file("in"), std::ios::binary) << bytes;
     return folder_.file("in");

@@ -31,6 +31,15 @@ std::ostream& operator<<(std::ostream& out, const Answer& answer);
 Answer run(const std::vector<std::string>& arguments, const std::string& home = {},
            const std::function<void(const std::string&)>& on_error_line = {});
 
+/// A test that runs the command on a database with the schema.
+class OnDatabase : public test_support::DatabaseTest {
+ protected:
+  Answer spc(std::vector<std::string> arguments) {
+    arguments.insert(arguments.begin(), {"--connect", database().connect_text()});
+    return run(arguments);
+  }
+};
+
 /// A database without anything in it.
 class EmptyDatabase {
  public:

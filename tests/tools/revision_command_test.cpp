@@ -19,12 +19,8 @@ namespace {
 
 using command_test::Answer;
 
-class RevisionCommand : public test_support::DatabaseTest {
+class RevisionCommand : public command_test::OnDatabase {
  protected:
-  Answer spc(std::vector<std::string> arguments) {
-    arguments.insert(arguments.begin(), {"--connect", database().connect_text()});
-    return command_test::run(arguments);
-  }
   /// On object 5 of type 3.
   Answer rev(const std::string& task, const std::vector<std::string>& more = {}) {
     std::vector<std::string> arguments = {"rev", task, "--type", "3", "--id", "5"};

@@ -19,7 +19,7 @@ namespace {
 using command_test::Answer;
 using test_support::ServerKind;
 
-class RevisionMaintenance : public test_support::DatabaseTest {
+class RevisionMaintenance : public command_test::OnDatabase {
  protected:
   RevisionMaintenance() {
     add(1, 0, 1, 1);
@@ -35,10 +35,6 @@ class RevisionMaintenance : public test_support::DatabaseTest {
         id + ", 5, 3, " + std::to_string(revision) + ", " + std::to_string(major) + ", " + std::to_string(minor) +
         ", 0, 7, 'anna', 'because')");
     execute("INSERT INTO CSREVDAT (REVID, DATA) VALUES (" + id + ", 'payload')");
-  }
-  Answer spc(std::vector<std::string> arguments) {
-    arguments.insert(arguments.begin(), {"--connect", database().connect_text()});
-    return command_test::run(arguments);
   }
   std::string versions() {
     std::string text;

@@ -17,7 +17,7 @@ namespace {
 
 using command_test::Answer;
 
-class SampleCommand : public test_support::DatabaseTest {
+class SampleCommand : public command_test::OnDatabase {
  protected:
   SampleCommand() {
     plant::Builder builder(db());
@@ -35,11 +35,6 @@ class SampleCommand : public test_support::DatabaseTest {
         {plant::label(batch), plant::characteristic(width), plant::characteristic(scratch), plant::characteristic(leak),
          plant::label(taken), plant::label(gauge), plant::auto_label(station)});
     builder.add_profile("Rings", "", {plant::characteristic(width)});
-  }
-
-  Answer spc(std::vector<std::string> arguments) {
-    arguments.insert(arguments.begin(), {"--connect", database().connect_text()});
-    return command_test::run(arguments);
   }
 
   std::string csv(const std::string& text) {

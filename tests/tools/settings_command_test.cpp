@@ -11,12 +11,8 @@ namespace {
 
 using command_test::Answer;
 
-class SettingsCommand : public test_support::DatabaseTest {
+class SettingsCommand : public command_test::OnDatabase {
  protected:
-  Answer spc(std::vector<std::string> arguments) {
-    arguments.insert(arguments.begin(), {"--connect", database().connect_text()});
-    return command_test::run(arguments);
-  }
   void add(const std::string& key, int row, const std::string& text) {
     execute("INSERT INTO CSINI (QUAL, SECT, KYWORD, SEQNO, OPTVAL) VALUES ('SYSTEM', 'SETTINGS', '" + key + "', " +
             std::to_string(row) + ", '" + text + "')");
@@ -111,6 +107,14 @@ TEST_P(SettingsCommand, tells_of_a_wrong_character_and_of_a_missing_row) {
   EXPECT_TRUE(spc({"settings", "get", "rows"}).complains("row 2 is missing"));
   const auto json = json_check::parse(spc({"--json", "settings", "get", "rows"}).out);
   EXPECT_EQ(json["damage"].text, "row 2 is missing");
+}
+
+TEST_P(SettingsCommand, tells_of_two_rows_with_one_number_since_their_order_is_not_known) {
+  add("twice", 1, "4A");
+  add(" twice", 1, "4B");
+  const Answer got = spc({"settings", "get", "twice"});
+  EXPECT_EQ(got.status, 1);
+  EXPECT_TRUE(got.complains("two of its rows have the number 1")) << got;
 }
 
 }  // namespace
