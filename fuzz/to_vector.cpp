@@ -95,7 +95,7 @@ void fill(SAFEARRAY* array, VARTYPE type, DWORD count, Input& input, Object& obj
       if (dispatch != nullptr) dispatch->AddRef();
       std::memcpy(element,
                   type == VT_DISPATCH ? static_cast<const void*>(&dispatch) : static_cast<const void*>(&unknown),
-                  sizeof dispatch);
+                  sizeof(void*));
     } else {
       for (ULONG k = 0; k < array->cbElements; ++k)
         element[k] = static_cast<unsigned char>(input.byte());

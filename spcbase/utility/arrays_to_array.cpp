@@ -20,6 +20,7 @@ void build_from_bits(COleSafeArray& target, VARTYPE type, const Element* source,
 /// then it releases what was made.
 template <class Element, class Source, class Make>
 void build(COleSafeArray& target, VARTYPE type, const std::vector<Source>& source, Make make) {
+  // NOLINTNEXTLINE(bugprone-sizeof-expression): an element may be a pointer
   const ULONG count = array_counts::for_array(source.size(), sizeof(Element));
   target.Clear();
   COleSafeArray built;

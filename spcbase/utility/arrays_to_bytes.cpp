@@ -5,6 +5,7 @@
 #include "spcbase/foundation/internal/locked_block.h"
 #include "spcbase/foundation/internal/raise.h"
 #include "spcbase/platform/automation/holders.h"
+#include "spcbase/platform/system/exceptions.h"
 #include "spcbase/utility/arrays.h"
 #include "spcbase/utility/internal/array_counts.h"
 

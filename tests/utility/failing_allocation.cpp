@@ -19,7 +19,8 @@ bool fails() {
 
 }  // namespace
 
-// The linker's --wrap option sends the objects' calls here.
+// The linker's --wrap option sends the objects' calls here, and makes the names.
+// NOLINTBEGIN(readability-identifier-naming)
 extern "C" {
 void* __real_malloc(std::size_t size);
 void* __real_calloc(std::size_t count, std::size_t size);
@@ -37,6 +38,7 @@ void* __wrap__Znam(std::size_t size) {
   return __real__Znam(size);
 }
 }
+// NOLINTEND(readability-identifier-naming)
 
 namespace test_support {
 

@@ -45,6 +45,7 @@ inline ULONG for_array(std::size_t count, std::size_t element_bytes) {
 template <class Element>
 HRESULT elements_of(SAFEARRAY* array, const void* data, const Element*& elements) noexcept {
   elements = static_cast<const Element*>(data);
+  // NOLINTNEXTLINE(bugprone-sizeof-expression): an element may be a pointer
   return data != nullptr && SafeArrayGetElemsize(array) >= sizeof(Element) ? S_OK : E_INVALIDARG;
 }
 
