@@ -23,6 +23,7 @@ std::vector<Job> all_jobs() {
           bytes_to_vector(),
           texts_to_array(),
           texts_to_vector(),
+          read_xml(),
           encipher_secret(),
           decipher_secret(),
           parse_schedule(),

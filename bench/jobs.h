@@ -75,6 +75,7 @@ Job bytes_to_array();
 Job bytes_to_vector();
 Job texts_to_array();
 Job texts_to_vector();
+Job read_xml();
 Job encipher_secret();
 Job decipher_secret();
 Job parse_schedule();

@@ -32,14 +32,13 @@ IXMLDOMDocumentPtr loaded(Load load) {
   return document;
 }
 
-// The child that is an element's value, null for an element without children.
-IXMLDOMNodePtr find_value(const IXMLDOMNodePtr& node) {
+// An element's value; it stays where it is.
+std::string_view value_of(const IXMLDOMNodePtr& node) {
   if (node->GetnodeType() != NODE_ELEMENT) throw_xml_exception();
-  if (node->hasChildNodes() == VARIANT_FALSE) return nullptr;
-  const IXMLDOMNodeListPtr children = node->GetchildNodes();
-  while (IXMLDOMNodePtr child = children->nextNode())
-    if (child->GetnodeType() == NODE_TEXT) return child;
-  throw_xml_exception();
+  if (node->hasChildNodes() == VARIANT_FALSE) return {};
+  const std::optional<std::string_view> text = xml_narrow::first_text_of(*node);
+  if (!text) throw_xml_exception();
+  return *text;
 }
 
 }  // namespace
@@ -65,15 +64,9 @@ IXMLDOMDocumentPtr load_xml_text(const CString& text) {
   return loaded([&](IXMLDOMDocument& document) { return xml_narrow::load(document, text.view()); });
 }
 
-_bstr_t get_elem_value(const IXMLDOMNodePtr& node) {
-  const IXMLDOMNodePtr value = find_value(node);
-  return value ? static_cast<_bstr_t>(value->GetnodeValue()) : _bstr_t("");
-}
+_bstr_t get_elem_value(const IXMLDOMNodePtr& node) { return xml_narrow::to_wide(value_of(node)); }
 
-CString get_elem_text(const IXMLDOMNodePtr& node) {
-  const IXMLDOMNodePtr value = find_value(node);
-  return value ? CString(xml_narrow::value_of(*value)) : CString();
-}
+CString get_elem_text(const IXMLDOMNodePtr& node) { return CString(value_of(node)); }
 
 int get_elem_int(const IXMLDOMNodePtr& node) { return std::atoi(get_elem_text(node)); }
 

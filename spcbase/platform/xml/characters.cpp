@@ -13,9 +13,32 @@ namespace xml_model {
 namespace {
 
 bool is_high_half(char16_t unit) noexcept { return (unit & 0xFC00U) == 0xD800U; }
-bool is_low_half(char16_t unit) noexcept { return (unit & 0xFC00U) == 0xDC00U; }
+bool is_half(char16_t unit) noexcept { return (unit & 0xF800U) == 0xD800U; }
 
-bool is_suspicious(char16_t unit) noexcept { return unit == 0 || (unit & 0xF800U) == 0xD800U; }
+// Writes a block when it is all ASCII without zeros. The count is fixed, so that no unit needs a branch.
+constexpr std::size_t block_units = 32;
+bool put_ascii_block(const char16_t* units, char* out) noexcept {
+  unsigned other = 0;
+  for (std::size_t i = 0; i < block_units; ++i) {
+    other |= (units[i] & 0xFF80U) | (units[i] == 0 ? 1U : 0U);
+    out[i] = static_cast<char>(units[i]);
+  }
+  return other == 0;
+}
+
+// Writes a character of two to four bytes and gives the place behind it.
+char* put_wide(char32_t c, char* out) noexcept {
+  const auto put = [&](char32_t bits) { *out++ = static_cast<char>(static_cast<unsigned char>(bits)); };
+  if (c < 0x800) {
+    put(0xC0U | c >> 6);
+  } else {
+    if (c >= 0x10000) put(0xF0U | c >> 18);
+    put(c < 0x10000 ? 0xE0U | c >> 12 : 0x80U | (c >> 12 & 0x3FU));
+    put(0x80U | (c >> 6 & 0x3FU));
+  }
+  put(0x80U | (c & 0x3FU));
+  return out;
+}
 
 // Well-formed UTF-8 holds U+FFFE and U+FFFF as EF BF BE and EF BF BF.
 bool has_noncharacter(std::string_view text) noexcept {
@@ -47,57 +70,56 @@ bool is_blank(std::string_view text) noexcept {
   return std::all_of(text.begin(), text.end(), [](char c) { return is_blank(c); });
 }
 
-std::size_t find_unwritable(std::u16string_view text) noexcept {
-  // Whole blocks first, without a branch for each unit: nearly every text has nothing to look at.
-  constexpr std::size_t block = 64;
-  for (std::size_t at = 0; at < text.size();) {
-    const std::size_t end = std::min(text.size(), at + block);
-    bool any = false;
-    for (std::size_t i = at; i < end; ++i)
-      any |= is_suspicious(text[i]);
-    for (; any && at < end; ++at) {
-      if (!is_suspicious(text[at])) continue;
-      const bool is_pair = is_high_half(text[at]) && at + 1 < text.size() && is_low_half(text[at + 1]);
-      if (!is_pair) return at;
-      ++at;
-    }
-    at = std::max(at, end);
-  }
-  return std::u16string_view::npos;
+// The number of units of the next character: 0 when it is a zero or half of a pair.
+std::size_t narrowing::length_here() const noexcept {
+  const char16_t unit = text_[at_];
+  if (unit == 0) return 0;
+  if (!is_half(unit)) return 1;
+  const bool has_second = at_ + 1 < text_.size() && is_half(text_[at_ + 1]) && !is_high_half(text_[at_ + 1]);
+  return is_high_half(unit) && has_second ? 2 : 0;
 }
 
-std::string to_narrow(std::u16string_view text) {
-  constexpr std::size_t block = 64;
-  constexpr std::ptrdiff_t longest_run = 1 << 20;
-  std::string narrow;
-  narrow.reserve(text.size() + text.size() / 8);
-  const auto is_wide = [](char16_t unit) { return unit >= 0x80U; };
-  for (std::size_t at = 0; at < text.size();) {
-    const std::size_t end = std::min(text.size(), at + block);
-    char ascii[block];
-    char16_t seen = 0;
-    for (std::size_t i = at; i < end; ++i) {
-      seen |= text[i];
-      ascii[i - at] = static_cast<char>(text[i]);
-    }
-    if (!is_wide(seen)) {
-      narrow.append(ascii, end - at);
-      at = end;
+std::size_t narrowing::read(char* out, std::size_t room_bytes) noexcept {
+  char* const begin = out;
+  char* const end = out + room_bytes;
+  constexpr std::ptrdiff_t longest_character = 4;
+  for (std::size_t next_try = at_; at_ < text_.size() && end - out >= longest_character && !is_stuck_;) {
+    // Behind a block that is not all ASCII the next one is tried only where it ends.
+    const bool has_room = text_.size() - at_ >= block_units && end - out >= static_cast<std::ptrdiff_t>(block_units);
+    if (at_ >= next_try && has_room) {
+      next_try = at_ + block_units;
+      if (!put_ascii_block(&text_[at_], out)) continue;
+      at_ += block_units;
+      out += block_units;
       continue;
     }
-    const auto* const first = std::find_if(text.begin() + at, text.end(), is_wide);
-    const auto* last = std::find_if_not(first, std::min(text.end(), first + longest_run), is_wide);
-    if (is_high_half(last[-1])) ++last;
-    narrow.append(text.begin() + at, first);
-    narrow += platform::to_utf8({first, static_cast<std::size_t>(last - first)});
-    at = static_cast<std::size_t>(last - text.begin());
+    const char16_t unit = text_[at_];
+    if (unit != 0 && unit < 0x80U) {
+      *out++ = static_cast<char>(unit);
+      ++at_;
+      continue;
+    }
+    const std::size_t length = length_here();
+    is_stuck_ = length == 0;
+    if (is_stuck_) break;
+    out = put_wide(length == 1 ? unit : 0x10000U + ((unit & 0x3FFU) << 10) + (text_[at_ + 1] & 0x3FFU), out);
+    at_ += length;
   }
-  return narrow;
+  return static_cast<std::size_t>(out - begin);
+}
+
+std::string to_narrow(std::u16string_view text, HRESULT code) {
+  narrowing reading(text);
+  std::string result;
+  char piece[1'024];
+  while (const std::size_t count = reading.read(piece, sizeof piece))
+    result.append(piece, count);
+  if (reading.is_stuck()) _com_issue_error(code);
+  return result;
 }
 
 std::string checked_text(const _bstr_t& text) {
-  if (find_unwritable(view(text)) != std::u16string_view::npos) _com_issue_error(XML_E_BADCHARDATA);
-  std::string narrow = to_narrow(view(text));
+  std::string narrow = to_narrow(view(text), XML_E_BADCHARDATA);
   check_characters(narrow);
   return narrow;
 }
@@ -112,8 +134,7 @@ std::string_view checked_text(std::string_view text, std::string& buffer) {
 }
 
 std::string checked_name(const _bstr_t& name) {
-  if (find_unwritable(view(name)) != std::u16string_view::npos) _com_issue_error(XML_E_BADNAMECHAR);
-  std::string narrow = to_narrow(view(name));
+  std::string narrow = to_narrow(view(name), XML_E_BADNAMECHAR);
   check_name(narrow);
   return narrow;
 }

@@ -19,11 +19,27 @@ bool is_blank(std::string_view text) noexcept;
 
 /// The units of a string, none for null.
 std::u16string_view view(const _bstr_t& text) noexcept;
-/// The index of the first unit of a UTF-16 text that cannot even be written down in UTF-8 or ends a C text: a zero or
-/// half of a pair. npos when there is none.
-std::size_t find_unwritable(std::u16string_view text) noexcept;
-/// UTF-16 to UTF-8, quick for texts that are mostly ASCII; half of a pair becomes U+FFFD.
-std::string to_narrow(std::u16string_view text);
+/// A UTF-16 text that is read as UTF-8, piece by piece, quickly where it is ASCII.
+class narrowing {
+ public:
+  explicit narrowing(std::u16string_view text) noexcept : text_(text) {}
+
+  /// Writes what fits, whole characters only, and gives the number of bytes; 0 at the end. The room is 4 or more.
+  std::size_t read(char* out, std::size_t room_bytes) noexcept;
+  /// The index of the next unit.
+  std::size_t at() const noexcept { return at_; }
+  /// Whether the next unit cannot be written down or would end a C text: half of a pair, or a zero. Reading ends there.
+  bool is_stuck() const noexcept { return is_stuck_; }
+
+ private:
+  std::size_t length_here() const noexcept;
+
+  std::u16string_view text_;
+  std::size_t at_ = 0;
+  bool is_stuck_ = false;
+};
+/// The whole text. Fails: `_com_error` with `code` when reading it gets stuck.
+std::string to_narrow(std::u16string_view text, HRESULT code);
 /// UTF-8 to UTF-16; an empty text gives an empty string, not null.
 _bstr_t to_wide(std::string_view text);
 

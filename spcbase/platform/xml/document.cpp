@@ -35,7 +35,7 @@ class parse_report final : public counted<IXMLDOMParseError> {
 
 /// An empty document node in a life of its own.
 struct content {
-  content() : held(life::begin()), top((*held).make<dom_node>(*held, NODE_DOCUMENT, "#document", "")) {}
+  content() : held(life::begin()), top((*held).make<dom_node>(*held, NODE_DOCUMENT, "#document")) {}
 
   store_reference held;
   dom_node* top;
@@ -143,7 +143,7 @@ void dom_document::PutrefdocumentElement(IXMLDOMElement* root) {
 IXMLDOMElementPtr dom_document::create(std::string_view name) {
   if (prefix_of(name) == "xmlns") _com_issue_error(E_FAIL);
   store& home = *content_.held;
-  return IXMLDOMElementPtr(home.make<dom_node>(home, NODE_ELEMENT, home.name(name), std::string_view()));
+  return IXMLDOMElementPtr(home.make<dom_node>(home, NODE_ELEMENT, home.name(name)));
 }
 
 void dom_document::setProperty(const _bstr_t& name, const _variant_t& value) {
@@ -180,9 +180,14 @@ dom_node& node_of(IXMLDOMNode& node) {
 
 }  // namespace
 
-std::string_view name_of(IXMLDOMNode& node) { return node_of(node).name; }
+std::string_view name_of(IXMLDOMNode& node) { return node_of(node).name(); }
 
-std::string_view value_of(IXMLDOMNode& node) { return node_of(node).value; }
+std::string_view value_of(IXMLDOMNode& node) { return node_of(node).value(); }
+
+std::optional<std::string_view> first_text_of(IXMLDOMNode& node) {
+  const xml_model::text_block* const text = node_of(node).first_text();
+  return text == nullptr ? std::nullopt : std::optional(text->view());
+}
 
 IXMLDOMElementPtr create_element(IXMLDOMDocument& document, std::string_view name) {
   return guarded([&] {
@@ -202,6 +207,10 @@ VARIANT_BOOL load(IXMLDOMDocument& document, std::string_view text) { return dom
 
 std::string xml_of(IXMLDOMDocument& document) {
   return guarded([&] { return dom_document::from(document).narrow_xml(); });
+}
+
+_bstr_t to_wide(std::string_view text) {
+  return guarded([&] { return xml_model::to_wide(text); });
 }
 
 }  // namespace xml_narrow

@@ -6,6 +6,7 @@
 ///        everywhere on the way to a BSTR; a zero is refused with XML_E_BADCHARDATA.
 #pragma once
 
+#include <optional>
 #include <string>
 #include <string_view>
 
@@ -17,6 +18,8 @@ namespace xml_narrow {
 std::string_view name_of(IXMLDOMNode& node);
 /// `nodeValue` of a node that has one, else empty; valid until the node changes.
 std::string_view value_of(IXMLDOMNode& node);
+/// `nodeValue` of the first child that is a text, none when there is no such child; valid until the children change.
+std::optional<std::string_view> first_text_of(IXMLDOMNode& node);
 /// `createElement`.
 IXMLDOMElementPtr create_element(IXMLDOMDocument& document, std::string_view name);
 /// `text`.
@@ -25,5 +28,7 @@ void put_text(IXMLDOMNode& node, std::string_view text);
 VARIANT_BOOL load(IXMLDOMDocument& document, std::string_view text);
 /// `xml`.
 std::string xml_of(IXMLDOMDocument& document);
+/// A text as the model hands it out.
+_bstr_t to_wide(std::string_view text);
 
 }  // namespace xml_narrow

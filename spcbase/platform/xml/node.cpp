@@ -11,6 +11,12 @@ namespace xml_model {
 
 namespace {
 
+// Within the library an identifier is mostly the very object that is named here.
+template <class T>
+bool asks_for(REFIID iid) {
+  return &iid == &interface_id<T>::value || iid == interface_id<T>::value;
+}
+
 /// The list of a node's children. It remembers the one that it gave last: nodes never vanish while it lives.
 class child_list final : public counted<IXMLDOMNodeList> {
  public:
@@ -18,7 +24,7 @@ class child_list final : public counted<IXMLDOMNodeList> {
 
   HRESULT QueryInterface(REFIID iid, void** object) override {
     if (object == nullptr) return E_POINTER;
-    const bool is_known = iid == interface_id<IXMLDOMNodeList>::value || iid == IID_IDispatch || iid == IID_IUnknown;
+    const bool is_known = asks_for<IXMLDOMNodeList>(iid) || asks_for<IDispatch>(iid) || asks_for<IUnknown>(iid);
     *object = is_known ? static_cast<IXMLDOMNodeList*>(this) : nullptr;
     if (!is_known) return E_NOINTERFACE;
     AddRef();
@@ -26,8 +32,12 @@ class child_list final : public counted<IXMLDOMNodeList> {
   }
 
   IXMLDOMNodePtr nextNode() override {
-    dom_node* next = parent_->first_child;
-    if (last_ != nullptr) next = last_->parent == parent_ ? last_->next : nullptr;
+    dom_node* next = nullptr;
+    if (last_ == nullptr) {
+      next = guarded([&] { return parent_->first_child(); });
+    } else if (last_->parent() == parent_) {
+      next = last_->next();
+    }
     if (next != nullptr) last_ = next;
     return IXMLDOMNodePtr(next);
   }
@@ -56,9 +66,8 @@ bool ends_early(DOMNodeType type, std::string_view text) {
 
 HRESULT dom_node::QueryInterface(REFIID iid, void** object) {
   if (object == nullptr) return E_POINTER;
-  const bool is_known = (iid == interface_id<IXMLDOMElement>::value && type == NODE_ELEMENT) ||
-                        iid == interface_id<dom_node>::value || iid == interface_id<IXMLDOMNode>::value ||
-                        iid == IID_IDispatch || iid == IID_IUnknown;
+  const bool is_known = (asks_for<IXMLDOMElement>(iid) && type() == NODE_ELEMENT) || asks_for<dom_node>(iid) ||
+                        asks_for<IXMLDOMNode>(iid) || asks_for<IDispatch>(iid) || asks_for<IUnknown>(iid);
   *object = is_known ? this : nullptr;
   if (!is_known) return E_NOINTERFACE;
   AddRef();
@@ -77,15 +86,15 @@ ULONG dom_node::Release() {
 }
 
 _bstr_t dom_node::GetnodeName() {
-  return guarded([&] { return to_wide(name); });
+  return guarded([&] { return to_wide(name()); });
 }
 
 _variant_t dom_node::GetnodeValue() {
   _variant_t result;
-  if (type == NODE_ELEMENT || type == NODE_DOCUMENT) {
+  if (holds_children()) {
     result.vt = VT_NULL;
   } else {
-    result.bstrVal = guarded([&] { return to_wide(value).Detach(); });
+    result.bstrVal = guarded([&] { return to_wide(value()).Detach(); });
     result.vt = VT_BSTR;
   }
   return result;
@@ -111,7 +120,7 @@ _variant_t dom_node::getAttribute(const _bstr_t& attribute_name) {
   _variant_t result;
   result.vt = VT_NULL;
   guarded([&] {
-    const attribute* const found = find_attribute(to_narrow(view(attribute_name)));
+    const attribute* const found = find_attribute(to_narrow(view(attribute_name), XML_E_BADNAMECHAR));
     if (found == nullptr) return;
     result.bstrVal = to_wide(found->value).Detach();
     result.vt = VT_BSTR;
@@ -136,67 +145,100 @@ dom_node* dom_node::from(IUnknown* object) {
 }
 
 void dom_node::link(dom_node& child, dom_node* before) noexcept {
-  child.parent = this;
-  child.next = before;
-  child.previous = before != nullptr ? before->previous : last_child;
-  (child.previous != nullptr ? child.previous->next : first_child) = &child;
-  (before != nullptr ? before->previous : last_child) = &child;
+  child.parent_ = this;
+  child.next_ = before;
+  child.previous_ = before != nullptr ? before->previous_ : children_.last;
+  (child.previous_ != nullptr ? child.previous_->next_ : children_.first) = &child;
+  (before != nullptr ? before->previous_ : children_.last) = &child;
 }
 
 void dom_node::unlink() noexcept {
-  if (parent == nullptr) return;
-  (previous != nullptr ? previous->next : parent->first_child) = next;
-  (next != nullptr ? next->previous : parent->last_child) = previous;
-  parent = previous = next = nullptr;
+  if (parent_ == nullptr) return;
+  (previous_ != nullptr ? previous_->next_ : parent_->children_.first) = next_;
+  (next_ != nullptr ? next_->previous_ : parent_->children_.last) = previous_;
+  parent_ = previous_ = next_ = nullptr;
 }
 
 void dom_node::move_in(dom_node& child, dom_node* before) {
   if (before == &child) return;
   life& here = home->owner();
   if (&here != &child.home->owner()) here.take_over(child.home->owner());
+  if (lone_text() != nullptr) make_text_node();
   child.unlink();
   link(child, before);
 }
 
 void dom_node::check_place(const dom_node& child) const {
-  const bool is_document = type == NODE_DOCUMENT;
-  const bool is_text = child.type == NODE_TEXT || child.type == NODE_CDATA_SECTION;
-  bool is_allowed = (is_document || type == NODE_ELEMENT) && child.type != NODE_DOCUMENT && !(is_document && is_text);
-  if (is_document && child.type == NODE_ELEMENT && root() != nullptr && root() != &child) is_allowed = false;
+  const bool is_document = type() == NODE_DOCUMENT;
+  const bool is_text = child.type() == NODE_TEXT || child.type() == NODE_CDATA_SECTION;
+  bool is_allowed = holds_children() && child.type() != NODE_DOCUMENT && !(is_document && is_text) && &child != this;
+  if (is_document && child.type() == NODE_ELEMENT && root() != nullptr && root() != &child) is_allowed = false;
   // Only a node that has children can be above this one; a fresh leaf is not looked for among the ancestors.
-  if (&child == this) is_allowed = false;
-  for (const dom_node* above = parent; is_allowed && above != nullptr && child.first_child != nullptr;
-       above = above->parent)
+  const dom_node* above = child.first_node() != nullptr ? parent_ : nullptr;
+  for (; is_allowed && above != nullptr; above = above->parent_)
     is_allowed = above != &child;
   if (!is_allowed) _com_issue_error(E_FAIL);
 }
 
 void dom_node::put_text(std::string_view text) {
-  if (type == NODE_DOCUMENT) _com_issue_error(E_FAIL);
-  if (ends_early(type, text)) _com_issue_error(XML_E_BADCHARDATA);
-  if (type != NODE_ELEMENT) return put_value(text);
-  // One text that nobody holds takes the new one, so that setting it again and again needs no new node each time.
-  dom_node* only = first_child == last_child ? first_child : nullptr;
-  const bool is_reusable = only != nullptr && only->type == NODE_TEXT && only->references_ == 0 && !text.empty();
-  if (is_reusable) return only->put_value(text);
-  dom_node* const fresh = text.empty() ? nullptr : home->make<dom_node>(*home, NODE_TEXT, "#text", home->keep(text));
-  while (first_child != nullptr)
-    first_child->unlink();
-  if (fresh != nullptr) link(*fresh);
+  if (type() == NODE_DOCUMENT) _com_issue_error(E_FAIL);
+  if (ends_early(type(), text)) _com_issue_error(XML_E_BADCHARDATA);
+  if (type() != NODE_ELEMENT) return put_value(text);
+  while (children_.first != nullptr)
+    children_.first->unlink();
+  if (text.empty()) {
+    children_.text = nullptr;
+  } else {
+    put_lone_text(text);
+  }
 }
 
-void dom_node::put_value(std::string_view text) {
-  if (text.size() > room_) {
-    const std::size_t wanted = std::max(text.size(), 2 * room_);
-    value = {home->make_room(wanted), 0};
-    room_ = wanted;
-  }
-  if (!text.empty()) std::memmove(const_cast<char*>(value.data()), text.data(), text.size());
-  value = {value.data(), text.size()};
+void text_block::put(std::string_view text) noexcept {
+  std::memmove(begin(), text.data(), text.size());
+  size_bytes = static_cast<std::uint32_t>(text.size());
+}
+
+void dom_node::put_value(std::string_view value) {
+  if (value.size() > text_->room_bytes) text_ = home->make_text(value, text_->room_bytes);
+  if (!value.empty()) text_->put(value);
+  text_->size_bytes = static_cast<std::uint32_t>(value.size());
+}
+
+void dom_node::put_lone_text(std::string_view text) {
+  text_block* const old = children_.text;
+  if (old != nullptr && old->room_bytes >= text.size()) return old->put(text);
+  children_.text = home->make_text(text, old == nullptr ? 0 : old->room_bytes);
+}
+
+void dom_node::make_text_node() {
+  dom_node* const node = home->make<dom_node>(*home, NODE_TEXT, "#text", children_.text);
+  children_.text = nullptr;
+  link(*node);
+}
+
+void dom_node::add_text(std::string_view text) {
+  if (!has_children()) return put_lone_text(text);
+  add_node(NODE_TEXT, "#text", text);
+}
+
+dom_node* dom_node::add_node(DOMNodeType type, std::string_view name, std::string_view value) {
+  if (lone_text() != nullptr) make_text_node();
+  const bool has_value = type != NODE_ELEMENT;
+  dom_node* const node = home->make<dom_node>(*home, type, name, has_value ? home->make_text(value, 0) : nullptr);
+  link(*node);
+  return node;
+}
+
+const text_block* dom_node::first_text() const noexcept {
+  if (lone_text() != nullptr) return lone_text();
+  const dom_node* child = first_node();
+  while (child != nullptr && child->type() != NODE_TEXT)
+    child = child->next_;
+  return child == nullptr ? nullptr : child->text_;
 }
 
 attribute* dom_node::find_attribute(std::string_view attribute_name) const noexcept {
-  attribute* found = attributes;
+  attribute* found = attributes();
   while (found != nullptr && found->name != attribute_name)
     found = found->next;
   return found;
@@ -208,16 +250,16 @@ void dom_node::set_attribute(std::string_view attribute_name, std::string_view a
     known->value = kept;
     return;
   }
-  attribute** end = &attributes;
+  attribute** end = &children_.attributes;
   while (*end != nullptr)
     end = &(*end)->next;
   *end = home->make<attribute>(attribute{home->name(attribute_name), kept, nullptr});
 }
 
 dom_node* dom_node::root() const noexcept {
-  dom_node* found = first_child;
-  while (found != nullptr && found->type != NODE_ELEMENT)
-    found = found->next;
+  dom_node* found = first_node();
+  while (found != nullptr && found->type() != NODE_ELEMENT)
+    found = found->next_;
   return found;
 }
 

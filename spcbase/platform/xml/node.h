@@ -22,20 +22,43 @@ struct attribute {
   attribute* next = nullptr;
 };
 
-/// Any node; `type` tells its kind. What is no element does not answer to `IXMLDOMElement`.
+/// A text in a store, which follows it in memory, with the room that it may grow into.
+struct text_block {
+  std::uint32_t size_bytes;
+  std::uint32_t room_bytes;
+
+  char* begin() noexcept { return reinterpret_cast<char*>(this + 1); }
+  std::string_view view() const noexcept { return {reinterpret_cast<const char*>(this + 1), size_bytes}; }
+  /// Becomes a copy of a text that has room; it may be a part of this.
+  void put(std::string_view text) noexcept;
+};
+
+/// Any node; `type()` tells its kind. What is no element does not answer to `IXMLDOMElement`. A document has very many
+/// of them, so they are kept small: an element or document has children, any other node has text, in one place.
 class dom_node final : public IXMLDOMElement {
  public:
-  dom_node(store& owner, DOMNodeType kind, std::string_view node_name, std::string_view node_value) noexcept
-      : home(&owner), name(node_name), value(node_value), type(kind) {}
+  /// A node that has text takes it as `text`; any other has none.
+  dom_node(store& owner, DOMNodeType kind, std::string_view node_name, text_block* text = nullptr) noexcept
+      : home(&owner),
+        name_(node_name.data()),
+        name_bytes_(static_cast<std::uint32_t>(node_name.size())),
+        references_(0),
+        type_(static_cast<std::uint32_t>(kind) & 0xFU) {
+    if (holds_children()) {
+      children_ = {nullptr, {nullptr}, nullptr};
+    } else {
+      text_ = text;
+    }
+  }
 
   HRESULT QueryInterface(REFIID iid, void** object) override;
   ULONG AddRef() override;
   ULONG Release() override;
 
-  DOMNodeType GetnodeType() override { return type; }
+  DOMNodeType GetnodeType() override { return type(); }
   _bstr_t GetnodeName() override;
   _variant_t GetnodeValue() override;
-  VARIANT_BOOL hasChildNodes() override { return first_child != nullptr ? VARIANT_TRUE : VARIANT_FALSE; }
+  VARIANT_BOOL hasChildNodes() override { return has_children() ? VARIANT_TRUE : VARIANT_FALSE; }
   IXMLDOMNodeListPtr GetchildNodes() override;
   IXMLDOMNodePtr appendChild(IXMLDOMNode* child) override;
   void Puttext(const _bstr_t& text) override;
@@ -44,40 +67,81 @@ class dom_node final : public IXMLDOMElement {
 
   /// The node behind an object, null when it is none of this model's.
   static dom_node* from(IUnknown* object);
-  /// Puts a node that stands nowhere before one of the children, or last.
+
+  DOMNodeType type() const noexcept { return static_cast<DOMNodeType>(type_); }
+  std::string_view name() const noexcept { return {name_, name_bytes_}; }
+  /// The text of a node that has one, else empty.
+  std::string_view value() const noexcept { return holds_children() ? std::string_view() : text_->view(); }
+  bool has_children() const noexcept {
+    return holds_children() && (children_.first != nullptr || lone_text() != nullptr);
+  }
+  /// The text of an element that has nothing but one text, as long as nobody asked for that as a node.
+  const text_block* lone_text() const noexcept {
+    return type() == NODE_ELEMENT && children_.first == nullptr ? children_.text : nullptr;
+  }
+  /// The first child that is a node, null before a lone text.
+  dom_node* first_node() const noexcept { return holds_children() ? children_.first : nullptr; }
+  /// The first child; a lone text becomes a node.
+  dom_node* first_child() {
+    if (lone_text() != nullptr) make_text_node();
+    return first_node();
+  }
+  dom_node* parent() const noexcept { return parent_; }
+  dom_node* next() const noexcept { return next_; }
+  /// The root of a document node, or null.
+  dom_node* root() const noexcept;
+  attribute* attributes() const noexcept { return holds_children() ? children_.attributes : nullptr; }
+  /// The attribute with this name, or null.
+  attribute* find_attribute(std::string_view attribute_name) const noexcept;
+
+  /// Puts a node that stands nowhere before one of the children, or last. This has no lone text.
   void link(dom_node& child, dom_node* before = nullptr) noexcept;
+  /// Puts a text behind the last child of an element, and anything else into this store.
+  void add_text(std::string_view text);
+  dom_node* add_node(DOMNodeType type, std::string_view name, std::string_view value);
   /// Takes the node from where it stands, if it does.
   void unlink() noexcept;
   /// Moves the node, from another life too, before one of the children, or last. Both may stand here.
   void move_in(dom_node& child, dom_node* before = nullptr);
+  /// The first child that is a text, null when there is none.
+  const text_block* first_text() const noexcept;
   /// `Puttext` for a text that was checked.
   void put_text(std::string_view text);
-  /// The attribute with this name, or null.
-  attribute* find_attribute(std::string_view attribute_name) const noexcept;
   void set_attribute(std::string_view attribute_name, std::string_view attribute_value);
-  /// The root of a document node, or null.
-  dom_node* root() const noexcept;
+  /// Gives an element that has none its attributes.
+  void put_attributes(attribute* first) noexcept { children_.attributes = first; }
 
-  store* home;
-  dom_node* parent = nullptr;
-  dom_node* first_child = nullptr;
-  dom_node* last_child = nullptr;
-  dom_node* previous = nullptr;
-  dom_node* next = nullptr;
-  attribute* attributes = nullptr;
-  std::string_view name;
-  std::string_view value;
+  store* const home;
 
  private:
+  struct child_part {
+    dom_node* first;
+    /// Which one it is, `first` tells: a lone text goes with none.
+    union {
+      dom_node* last;
+      text_block* text;
+    };
+    attribute* attributes;
+  };
+  bool holds_children() const noexcept { return type() == NODE_ELEMENT || type() == NODE_DOCUMENT; }
   void check_place(const dom_node& child) const;
-  void put_value(std::string_view text);
+  void put_value(std::string_view value);
+  void put_lone_text(std::string_view text);
+  void make_text_node();
 
-  std::size_t room_ = 0;
-  std::uint32_t references_ = 0;
-
- public:
-  DOMNodeType type;
+  dom_node* parent_ = nullptr;
+  dom_node* previous_ = nullptr;
+  dom_node* next_ = nullptr;
+  union {
+    child_part children_;
+    text_block* text_;
+  };
+  const char* name_;
+  std::uint32_t name_bytes_;
+  std::uint32_t references_ : 28;
+  std::uint32_t type_ : 4;
 };
+static_assert(sizeof(dom_node) == 80);
 
 /// Calls, and words a lack of memory as the interfaces do.
 template <class Call>

@@ -69,7 +69,6 @@ class builder {
     xmlStopParser(&parser_);
   }
   std::string_view qualified(const xmlChar* prefix, const xmlChar* local_name);
-  void add(DOMNodeType type, std::string_view name, std::string_view value);
   attribute** add_declarations(attribute** end, int count, const xmlChar** declarations);
   void add_attributes(attribute** end, int count, const xmlChar** attributes);
   void open(const xmlChar* local_name, const xmlChar* prefix);
@@ -115,10 +114,6 @@ std::string_view builder::qualified(const xmlChar* prefix, const xmlChar* local_
   return text_of(name);
 }
 
-void builder::add(DOMNodeType type, std::string_view name, std::string_view value) {
-  current_->link(*home_.make<dom_node>(home_, type, name, home_.keep(value)));
-}
-
 attribute** builder::add_declarations(attribute** end, int count, const xmlChar** declarations) {
   for (int i = 0; i < count; ++i, declarations += 2) {
     std::string name = "xmlns";
@@ -141,8 +136,7 @@ void builder::add_attributes(attribute** end, int count, const xmlChar** attribu
 
 void builder::open(const xmlChar* local_name, const xmlChar* prefix) {
   finish_text();
-  add(NODE_ELEMENT, qualified(prefix, local_name), {});
-  current_ = current_->last_child;
+  current_ = current_->add_node(NODE_ELEMENT, qualified(prefix, local_name), {});
   keeps_blanks_.push_back(keeps_blanks_.back());
 }
 
@@ -152,9 +146,11 @@ void builder::on_start(void* context, const xmlChar* local_name, const xmlChar* 
   builder& me = self(context);
   me.carefully([&] {
     me.open(local_name, prefix);
-    attribute** const end = me.add_declarations(&me.current_->attributes, declaration_count, declarations);
+    if (declaration_count == 0 && attribute_count == 0) return;
+    attribute* first = nullptr;
+    attribute** const end = me.add_declarations(&first, declaration_count, declarations);
     me.add_attributes(end, attribute_count, attributes);
-    if (attribute_count == 0) return;
+    me.current_->put_attributes(first);
     if (const attribute* const space = me.current_->find_attribute("xml:space"))
       me.keeps_blanks_.back() = space->value == "preserve";
   });
@@ -164,7 +160,7 @@ void builder::on_end(void* context, const xmlChar*, const xmlChar*, const xmlCha
   builder& me = self(context);
   me.carefully([&] {
     me.finish_text();
-    me.current_ = me.current_->parent;
+    me.current_ = me.current_->parent();
     me.keeps_blanks_.pop_back();
   });
 }
@@ -185,7 +181,7 @@ void builder::take_text(std::string_view text) {
 void builder::finish_text() {
   if (text_.empty()) return;
   const bool is_kept = !is_blank(text_) || has_reference_ || keeps_blanks_.back();
-  if (is_kept && current_ != &document_) add(NODE_TEXT, "#text", text_);
+  if (is_kept && current_ != &document_) current_->add_text(text_);
   text_.clear();
   has_reference_ = false;
 }
@@ -194,7 +190,7 @@ void builder::on_section(void* context, const xmlChar* text, int length) {
   builder& me = self(context);
   me.carefully([&] {
     me.finish_text();
-    me.add(NODE_CDATA_SECTION, "#cdata-section", text_of(text, text + length));
+    me.current_->add_node(NODE_CDATA_SECTION, "#cdata-section", text_of(text, text + length));
   });
 }
 
@@ -202,7 +198,7 @@ void builder::on_comment(void* context, const xmlChar* text) {
   builder& me = self(context);
   me.carefully([&] {
     me.finish_text();
-    me.add(NODE_COMMENT, "#comment", text_of(text));
+    me.current_->add_node(NODE_COMMENT, "#comment", text_of(text));
   });
 }
 
@@ -210,7 +206,7 @@ void builder::on_instruction(void* context, const xmlChar* target, const xmlChar
   builder& me = self(context);
   me.carefully([&] {
     me.finish_text();
-    me.add(NODE_PROCESSING_INSTRUCTION, me.home_.name(text_of(target)), text_of(data));
+    me.current_->add_node(NODE_PROCESSING_INSTRUCTION, me.home_.name(text_of(target)), text_of(data));
   });
 }
 
@@ -238,13 +234,10 @@ void builder::on_error(void* context, xmlError* error) {
   });
 }
 
-// A parser for a text. Its names go into the store's table, where the nodes find them.
-parser_holder make_parser(std::string_view text, store& home) {
-  [[maybe_unused]] static const bool is_ready = (xmlInitParser(), true);
-  // An empty text is no text for this call; a zero is, and the parser finds it empty.
-  if (text.empty()) text = {"", 1};
-  parser_holder parser(xmlCreateMemoryParserCtxt(text.data(), static_cast<int>(text.size())));
-  if (!parser) throw std::bad_alloc();
+// Sets up a parser. Its names go into the store's table, where the nodes find them.
+parser_holder prepared(xmlParserCtxt* made, store& home) {
+  if (made == nullptr) throw std::bad_alloc();
+  parser_holder parser(made);
   xmlDictFree(parser->dict);
   parser->dict = home.names();
   xmlDictReference(parser->dict);
@@ -254,9 +247,55 @@ parser_holder make_parser(std::string_view text, store& home) {
   return parser;
 }
 
-bool has_declaration(std::string_view text) {
-  if (text.starts_with("\xEF\xBB\xBF")) text.remove_prefix(3);
-  return text.size() > 5 && text.starts_with("<?xml") && is_blank(text[5]);
+parser_holder make_parser(xmlInputReadCallback read, void* source, store& home) {
+  [[maybe_unused]] static const bool is_ready = (xmlInitParser(), true);
+  return prepared(xmlCreateIOParserCtxt(nullptr, nullptr, read, nullptr, source, XML_CHAR_ENCODING_NONE), home);
+}
+
+/// What the parser reads from: a text that is UTF-8 already.
+class narrow_source {
+ public:
+  explicit narrow_source(std::string_view text) noexcept : text_(text) {}
+
+  static int read(void* context, char* buffer, int room_bytes) noexcept {
+    std::string_view& left = static_cast<narrow_source*>(context)->text_;
+    const std::size_t count = left.copy(buffer, static_cast<std::size_t>(room_bytes));
+    left.remove_prefix(count);
+    return static_cast<int>(count);
+  }
+
+ private:
+  std::string_view text_;
+};
+
+/// Or one that becomes UTF-8 as it is read, so that it never stands in memory twice. It ends when it grows too long.
+class wide_source {
+ public:
+  wide_source(std::u16string_view text, std::size_t limit_bytes) noexcept : text_(text), left_bytes_(limit_bytes) {}
+
+  static int read(void* context, char* buffer, int room_bytes) noexcept {
+    auto& self = *static_cast<wide_source*>(context);
+    const std::size_t count = self.text_.read(buffer, static_cast<std::size_t>(room_bytes));
+    self.is_too_long_ = self.is_too_long_ || count > self.left_bytes_;
+    if (self.is_too_long_) return 0;
+    self.left_bytes_ -= count;
+    return static_cast<int>(count);
+  }
+
+  const narrowing& text() const noexcept { return text_; }
+  bool is_too_long() const noexcept { return is_too_long_; }
+
+ private:
+  narrowing text_;
+  std::size_t left_bytes_;
+  bool is_too_long_ = false;
+};
+
+template <class Character>
+bool has_declaration(std::basic_string_view<Character> text) {
+  constexpr char begin[] = "<?xml";
+  const bool has_begin = text.size() > 5 && std::equal(begin, begin + 5, text.begin());
+  return has_begin && text[5] < 0x80 && is_blank(static_cast<char>(text[5]));
 }
 
 parse_failure too_long(std::size_t limit_bytes) {
@@ -274,35 +313,37 @@ parse_failure unwritable(std::u16string_view text, std::size_t at) {
   return {XML_ERR_INVALID_CHAR, reason, line, static_cast<LONG>(at - line_begin) + 1};
 }
 
-// Parses well-formed UTF-8 without zeros.
-parsed parse_clean(std::string_view text, dom_node& document, std::size_t limit_bytes) {
-  if (text.size() > limit_bytes) return {too_long(limit_bytes), {}};
-  const parser_holder parser = make_parser(text, *document.home);
+// Parses what a source gives.
+parsed parse_from(xmlInputReadCallback read, void* source, dom_node& document) {
+  const parser_holder parser = make_parser(read, source, *document.home);
   builder nodes(*parser, document);
   nodes.attach();
   xmlParseDocument(parser.get());
   if (nodes.is_out_of_memory()) throw std::bad_alloc();
-  parsed result;
-  result.failure = nodes.failure();
-  if (has_declaration(text)) result.head = {true, parser->standalone};
-  return result;
+  return {nodes.failure(), {false, parser->standalone}};
 }
 
 }  // namespace
 
 parsed parse(std::u16string_view text, dom_node& document, std::size_t limit_bytes) {
-  // No character has fewer bytes than units, so what is too long here is there.
-  if (text.size() > limit_bytes) return {too_long(limit_bytes), {}};
-  const std::size_t bad = find_unwritable(text);
-  if (bad != std::u16string_view::npos) return {unwritable(text, bad), {}};
-  return parse_clean(to_narrow(text), document, limit_bytes);
+  if (text.starts_with(u'\xFEFF')) text.remove_prefix(1);
+  wide_source source(text, limit_bytes);
+  parsed result = parse_from(&wide_source::read, &source, document);
+  if (source.text().is_stuck()) result.failure = unwritable(text, source.text().at());
+  if (source.is_too_long()) result.failure = too_long(limit_bytes);
+  result.head.is_present = has_declaration(text);
+  return result;
 }
 
 parsed parse(std::string_view text, dom_node& document, std::size_t limit_bytes) {
-  if (text.size() > limit_bytes) return {too_long(limit_bytes), {}};
   const bool is_clean = text.find('\0') == std::string_view::npos && platform::is_valid_utf8(text);
-  if (is_clean) return parse_clean(text, document, limit_bytes);
-  return parse(std::u16string_view(platform::to_utf16(text)), document, limit_bytes);
+  if (!is_clean) return parse(std::u16string_view(platform::to_utf16(text)), document, limit_bytes);
+  if (text.size() > limit_bytes) return {too_long(limit_bytes), {}};
+  if (text.starts_with("\xEF\xBB\xBF")) text.remove_prefix(3);
+  narrow_source source(text);
+  parsed result = parse_from(&narrow_source::read, &source, document);
+  result.head.is_present = has_declaration(text);
+  return result;
 }
 
 }  // namespace xml_model

@@ -6,7 +6,6 @@
 
 #include <cstddef>
 #include <memory>
-#include <memory_resource>
 #include <string_view>
 #include <type_traits>
 #include <utility>
@@ -17,6 +16,7 @@ struct _xmlDict;
 namespace xml_model {
 
 class store;
+struct text_block;
 
 /// Counts the references from outside to anything in its stores, and ends them with the last one. Documents whose nodes
 /// were moved into one another share one life.
@@ -59,11 +59,11 @@ class store {
   /// Something that needs no destructor.
   template <class T, class... Arguments>
   T* make(Arguments&&... arguments) {
-    static_assert(std::is_trivially_destructible_v<T>);
-    return ::new (memory_.allocate(sizeof(T), alignof(T))) T(std::forward<Arguments>(arguments)...);
+    static_assert(std::is_trivially_destructible_v<T> && alignof(T) <= alignment);
+    return ::new (take(sizeof(T))) T(std::forward<Arguments>(arguments)...);
   }
-  /// Room for so many bytes of text.
-  char* make_room(std::size_t size_bytes) { return static_cast<char*>(memory_.allocate(size_bytes, 1)); }
+  /// A copy of a text that takes the place of one with less room; it gets twice as much at least.
+  text_block* make_text(std::string_view text, std::size_t old_room_bytes);
   /// A copy of a text.
   std::string_view keep(std::string_view text);
   /// A name of which there is one copy.
@@ -72,7 +72,19 @@ class store {
   _xmlDict* names() const noexcept { return names_; }
 
  private:
-  std::pmr::monotonic_buffer_resource memory_{std::pmr::new_delete_resource()};
+  static constexpr std::size_t alignment = 8;
+
+  void* take(std::size_t size_bytes) {
+    const std::size_t needed = (size_bytes + alignment - 1) / alignment * alignment;
+    if (needed > left_bytes_) return take_elsewhere(needed);
+    left_bytes_ -= needed;
+    return std::exchange(free_, free_ + needed);
+  }
+  void* take_elsewhere(std::size_t size_bytes);
+
+  std::vector<std::unique_ptr<std::byte[]>> blocks_;
+  std::byte* free_ = nullptr;
+  std::size_t left_bytes_ = 0;
   _xmlDict* names_;
   life* owner_;
 };

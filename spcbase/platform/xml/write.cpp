@@ -25,7 +25,7 @@ class writer {
   void open_scope(const dom_node& element);
   void close_scope(const dom_node& element);
   void check_prefix(std::string_view name) const;
-  void write_text(const dom_node& node);
+  void write_text(std::string_view text);
   void write_escaped(std::string_view text, bool is_attribute);
   void write_reference(char c);
 
@@ -37,38 +37,38 @@ class writer {
 };
 
 void writer::write_below(const dom_node& top) {
-  const dom_node* node = top.first_child;
+  const dom_node* node = top.first_node();
   while (node != nullptr) {
     enter(*node);
-    if (node->first_child != nullptr) {
-      node = node->first_child;
+    if (node->first_node() != nullptr) {
+      node = node->first_node();
       continue;
     }
     for (;;) {
       leave(*node);
-      if (node->parent == &top) text_ += "\r\n";
-      if (node->next != nullptr || node->parent == &top) break;
-      node = node->parent;
+      if (node->parent() == &top) text_ += "\r\n";
+      if (node->next() != nullptr || node->parent() == &top) break;
+      node = node->parent();
     }
-    node = node->next;
+    node = node->next();
   }
 }
 
 void writer::enter(const dom_node& node) {
-  switch (node.type) {
+  switch (node.type()) {
     case NODE_ELEMENT:
       return enter_element(node);
     case NODE_TEXT:
-      return write_text(node);
+      return write_text(node.value());
     case NODE_CDATA_SECTION:
-      text_.append("<![CDATA[").append(node.value).append("]]>");
+      text_.append("<![CDATA[").append(node.value()).append("]]>");
       return;
     case NODE_COMMENT:
-      text_.append("<!--").append(node.value).append("-->");
+      text_.append("<!--").append(node.value()).append("-->");
       return;
     case NODE_PROCESSING_INSTRUCTION:
-      text_.append("<?").append(node.name);
-      if (!node.value.empty()) text_.append(" ").append(node.value);
+      text_.append("<?").append(node.name());
+      if (!node.value().empty()) text_.append(" ").append(node.value());
       text_.append("?>");
       return;
     case NODE_DOCUMENT:
@@ -77,26 +77,27 @@ void writer::enter(const dom_node& node) {
 }
 
 void writer::enter_element(const dom_node& element) {
-  if (element.attributes != nullptr) open_scope(element);
-  check_prefix(element.name);
-  text_.append("<").append(element.name);
-  for (const attribute* each = element.attributes; each != nullptr; each = each->next) {
+  if (element.attributes() != nullptr) open_scope(element);
+  check_prefix(element.name());
+  text_.append("<").append(element.name());
+  for (const attribute* each = element.attributes(); each != nullptr; each = each->next) {
     check_prefix(each->name);
     text_.append(" ").append(each->name).append("=\"");
     write_escaped(each->value, true);
     text_.append("\"");
   }
-  text_.append(element.first_child != nullptr ? ">" : "/>");
+  text_.append(element.has_children() ? ">" : "/>");
+  if (const text_block* const lone = element.lone_text()) write_text(lone->view());
 }
 
 void writer::leave(const dom_node& node) {
-  if (node.first_child != nullptr) text_.append("</").append(node.name).append(">");
-  if (node.attributes != nullptr) close_scope(node);
+  if (node.has_children()) text_.append("</").append(node.name()).append(">");
+  if (node.attributes() != nullptr) close_scope(node);
 }
 
 void writer::open_scope(const dom_node& element) {
   bool keeps_blanks = keeps_blanks_.back();
-  for (const attribute* each = element.attributes; each != nullptr; each = each->next) {
+  for (const attribute* each = element.attributes(); each != nullptr; each = each->next) {
     if (each->name == "xml:space") keeps_blanks = each->value == "preserve";
     if (each->name.starts_with(declaring)) ++declared_[each->name.substr(declaring.size())];
   }
@@ -104,7 +105,7 @@ void writer::open_scope(const dom_node& element) {
 }
 
 void writer::close_scope(const dom_node& element) {
-  for (const attribute* each = element.attributes; each != nullptr; each = each->next)
+  for (const attribute* each = element.attributes(); each != nullptr; each = each->next)
     if (each->name.starts_with(declaring)) --declared_[each->name.substr(declaring.size())];
   keeps_blanks_.pop_back();
 }
@@ -116,8 +117,7 @@ void writer::check_prefix(std::string_view name) const {
   if (found == declared_.end() || found->second == 0) _com_issue_error(E_FAIL);
 }
 
-void writer::write_text(const dom_node& node) {
-  std::string_view text = node.value;
+void writer::write_text(std::string_view text) {
   // White space alone would be dropped by whoever loads it; a reference at its beginning keeps it.
   const bool is_at_risk = !text.empty() && is_blank(text) && !keeps_blanks_.back();
   if (is_at_risk) {

@@ -1,5 +1,6 @@
 // Plan
 //   What is told of a bad text: the parser's own code, reason, line and position; the first error counts
+//   Narrowing: UTF-16 becomes UTF-8 piece by piece
 //   Refused: document types and entities, characters that XML does not have, zeros, halves of pairs, texts beyond the
 //   limit White space: dropped between tags, kept when it is meant Size: 10,000 and 200,000 levels, 100 MB, 50,000
 //   names and attributes; nothing recurses Manners: nothing on standard error, several threads at once
@@ -108,29 +109,48 @@ TEST(Refused, zeros_and_halves_of_pairs_wherever_they_stand) {
   }
 }
 
-TEST(Refused, halves_of_pairs_are_found_at_every_distance) {
-  // The search goes by blocks; a pair may lie across two of them.
-  for (std::size_t before = 55; before < 75; ++before) {
+TEST(Narrowing, finds_what_cannot_be_written_at_every_distance) {
+  // It goes by blocks; a pair may lie across two of them, or across the end of the room.
+  for (std::size_t before = 25; before < 75; ++before) {
     const std::u16string blanks(before, u' ');
-    EXPECT_EQ(xml_model::find_unwritable(blanks + u"\xD83D\xDE00" + blanks), std::u16string::npos);
-    EXPECT_EQ(xml_model::find_unwritable(blanks + u"\xD83D"), before);
-    EXPECT_EQ(xml_model::find_unwritable(blanks + u"\xD83D\xD83D\xDE00"), before);
-    EXPECT_EQ(xml_model::to_narrow(blanks + u"\xD83D\xDE00" + blanks),
-              std::string(before, ' ') + "\xF0\x9F\x98\x80" + std::string(before, ' '));
+    const std::string narrow_blanks(before, ' ');
+    EXPECT_EQ(xml_model::to_narrow(blanks + u"\xD83D\xDE00" + blanks, E_FAIL),
+              narrow_blanks + "\xF0\x9F\x98\x80" + narrow_blanks);
+    for (const std::u16string& bad : {std::u16string(u"\xD83D"), std::u16string(u"\xDE00"), std::u16string(1, u'\0')}) {
+      const std::u16string text = blanks + bad + u"\xD83D\xDE00" + blanks;
+      xml_model::narrowing reading(text);
+      char room[256];
+      EXPECT_EQ(reading.read(room, sizeof room), before);
+      EXPECT_TRUE(reading.is_stuck());
+      EXPECT_EQ(reading.at(), before);
+      EXPECT_EQ(reading.read(room, sizeof room), 0U);
+    }
   }
 }
 
-TEST(Refused, a_long_run_of_wide_characters_is_not_cut_inside_a_pair) {
-  std::u16string text = u"\xE4";
-  for (int i = 0; i < 1'100'000; ++i)
-    text += u"\xD83D\xDE00";
-  EXPECT_EQ(xml_model::to_narrow(text), platform::to_utf8(text));
+TEST(Narrowing, gives_the_same_text_in_any_room) {
+  std::u16string text;
+  for (char16_t i = 0; i < 300; ++i) {
+    text += std::u16string(i % 40, u'x');
+    text += static_cast<char16_t>(1 + i * 180);
+    text += u"\xDBFF\xDFFF";
+  }
+  const std::string expected = platform::to_utf8(text);
+  for (const std::size_t room : {4U, 5U, 33U, 64U, 4'000U}) {
+    xml_model::narrowing reading(text);
+    std::string given;
+    std::string buffer(room, '\0');
+    while (const std::size_t count = reading.read(buffer.data(), room))
+      given.append(buffer, 0, count);
+    EXPECT_FALSE(reading.is_stuck());
+    EXPECT_EQ(given, expected);
+  }
 }
 
 TEST(Refused, texts_beyond_the_limit_with_a_clear_message) {
   xml_model::store& home = xml_model::life::begin();
   const xml_model::store_reference held(home);
-  auto* const document = home.make<xml_model::dom_node>(home, NODE_DOCUMENT, "#document", "");
+  auto* const document = home.make<xml_model::dom_node>(home, NODE_DOCUMENT, "#document");
   const auto result = xml_model::parse(std::string_view("<abcdef/>"), *document, 8);
   EXPECT_EQ(result.failure.reason, "The text is longer than 8 bytes");
   EXPECT_EQ(xml_model::parse(std::u16string_view(u"<abcdef/>"), *document, 8).failure.code, 1);
