@@ -1,6 +1,8 @@
 #include "tools/spc/rev_maintenance.h"
 
+#include <algorithm>
 #include <functional>
+#include <initializer_list>
 
 #include "spcbase/foundation/recordset.h"
 #include "spcbase/revision/maintenance.h"
@@ -113,43 +115,73 @@ Problem reset_problem(const Failure& failure, const StatementWatch& watch) {
   return problem;
 }
 
-/// A question that counts the foreign key of the payloads; empty where the server has no catalogue to ask.
-std::string key_question(schema::Server server) {
-  std::string named = "CONSTRAINT_NAME = 'FKREVDAT1' AND TABLE_NAME = 'CSREVDAT'";
+/// What is to be known of a kind of server before its foreign key is dropped.
+struct KeyFacts {
+  const char* catalogue;  ///< where constraints are listed; null where nobody may ask
+  const char* here;       ///< what parts this database's constraints from others'
+  const char* drop;       ///< drops a key that there is not
+  long no_such_key;       ///< the server's number for that answer, or 0 where it has none of its own
+  long no_such_key_as_well = 0;
+};
+
+constexpr const char* standard_catalogue = "INFORMATION_SCHEMA.TABLE_CONSTRAINTS";
+constexpr const char* drop_no_constraint = "ALTER TABLE CSREVDAT DROP CONSTRAINT SPCNOKEY";
+
+KeyFacts facts_of(schema::Server server) {
   switch (server) {
-    case schema::Server::mysql:
-      return named + " AND TABLE_SCHEMA = DATABASE()";
     case schema::Server::sql_server:
+      return {standard_catalogue, "", drop_no_constraint, 3728, 3727};
     case schema::Server::oracle:
-      return named;
+      return {"USER_CONSTRAINTS", "", drop_no_constraint, 2443};
+    case schema::Server::mysql:
+      return {standard_catalogue, " AND TABLE_SCHEMA = DATABASE()", "ALTER TABLE CSREVDAT DROP FOREIGN KEY SPCNOKEY",
+              1091};
     default:
-      return {};
+      return {nullptr, "", drop_no_constraint, 0};
   }
 }
 
-void require_key(Link& link, schema::Server server) {
-  const std::string question = key_question(server);
-  if (question.empty()) return;
-  const char* catalogue =
-      server == schema::Server::oracle ? "USER_CONSTRAINTS" : "INFORMATION_SCHEMA.TABLE_CONSTRAINTS";
-  if (doing(cannot_reset, [&] { return count_rows(link.db(), catalogue, question.c_str()); }) > 0) return;
+long count_keys(Link& link, const char* catalogue, const char* here) {
+  const auto filter = std::string("UPPER(CONSTRAINT_NAME) = 'FKREVDAT1' AND UPPER(TABLE_NAME) = 'CSREVDAT'") + here;
+  return count_rows(link.db(), catalogue, filter.c_str());
+}
+
+void require_key(Link& link, const KeyFacts& facts) {
+  if (facts.catalogue == nullptr) return;
+  if (doing(cannot_reset, [&] { return count_keys(link, facts.catalogue, facts.here); }) > 0) return;
   throw Problem{cannot_reset, "the foreign key FKREVDAT1 of CSREVDAT is missing, which the reset drops and adds again",
                 "Add it: " + std::string(add_key), exit_failed, "Nothing was changed."};
 }
 
-/// Dropping a key that is not there changes nothing, and whoever may not drop one is told so first.
-void require_right(Link& link, schema::Server server) {
-  const std::string kind = server == schema::Server::mysql ? "FOREIGN KEY" : "CONSTRAINT";
-  const std::string statement = "ALTER TABLE CSREVDAT DROP " + kind + " SPCNOKEY";
-  const auto outcome = guarded([&] { link.db().ExecuteSQL(statement.c_str()); });
+/// Dropping a key that is not there changes nothing, and whoever cannot or may not drop one is told so first.
+void require_right(Link& link, const KeyFacts& facts) {
+  const auto outcome = guarded([&] { link.db().ExecuteSQL(facts.drop); });
   if (outcome) return;
-  const FailureClass why = outcome.failure().failure_class;
-  const bool hopeless =
-      why == FailureClass::permission || why == FailureClass::link_lost || why == FailureClass::lock_timeout;
-  if (!hopeless) return;
-  Problem problem = problem_of(cannot_reset, outcome.failure());
+  const Failure& failure = outcome.failure();
+  const auto is_one_of = [&](std::initializer_list<FailureClass> classes) {
+    return std::ranges::find(classes, failure.failure_class) != classes.end();
+  };
+  const bool only_the_key_is_missing =
+      facts.no_such_key == 0
+          ? !is_one_of({FailureClass::permission, FailureClass::link_lost, FailureClass::lock_timeout,
+                        FailureClass::syntax, FailureClass::no_such_object})
+          : failure.native == facts.no_such_key || failure.native == facts.no_such_key_as_well;
+  if (only_the_key_is_missing) return;
+  Problem problem = problem_of(cannot_reset, failure);
+  problem.why += " in " + std::string(facts.drop) + ", which tries whether a foreign key can be dropped";
   problem.note = "Nothing was changed.";
   throw problem;
+}
+
+/// A server of no known kind keeps its foreign key, which stands in the way where there is one.
+void require_no_key(Link& link) {
+  const auto keys = guarded([&] { return count_keys(link, standard_catalogue, ""); });
+  if (!keys || keys.value() == 0) return;
+  throw Problem{cannot_reset,
+                "the server is of no known kind, so the reset cannot drop the foreign key FKREVDAT1 of CSREVDAT, "
+                "without which CSOBJREV cannot be emptied",
+                "Drop the key, repeat the reset, and add the key again: " + std::string(add_key), exit_failed,
+                "Nothing was changed."};
 }
 
 }  // namespace
@@ -187,14 +219,14 @@ void rebuild_versions(Link& link, const Terminal& terminal) {
 
 void require_reset_possible(Link& link) {
   const auto server = link.server();
-  // A server of no known kind keeps the foreign key as it is, and deletes in an order that suits it.
-  if (!server) return;
+  if (!server) return require_no_key(link);
   if (*server == schema::Server::sqlite)
     throw Problem{cannot_reset, "SQLite can neither drop nor add a foreign key, which the reset has to do",
                   "Make a new database (spc db create), and enter there what is to stay.", exit_failed,
                   "Nothing was changed."};
-  require_key(link, *server);
-  require_right(link, *server);
+  const KeyFacts facts = facts_of(*server);
+  require_key(link, facts);
+  require_right(link, facts);
 }
 
 void reset_revisions(Link& link, const Terminal& terminal) {

@@ -25,8 +25,8 @@ std::vector<PlannedChange> plan_reset(Link& link);
 /// Counts all versions anew, or none.
 void rebuild_versions(Link& link, const Terminal& terminal);
 
-/// Sees that the server can drop the foreign key of the payloads and add it again, and changes nothing.
-/// Fails: Problem when it cannot, or may not.
+/// Sees that the foreign key of the payloads is there and that the server can and may drop it, and changes nothing. On
+/// a server of no known kind, which keeps its keys, it must not be there. Fails: Problem when it is not so.
 void require_reset_possible(Link& link);
 
 /// Removes all revisions.
