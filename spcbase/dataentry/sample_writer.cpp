@@ -9,7 +9,7 @@
 #include "spcbase/foundation/internal/raise.h"
 #include "spcbase/foundation/schema/data_entry.h"
 #include "spcbase/platform/automation/holders.h"
-#include "spcbase/time/calendar.h"
+#include "spcbase/time/internal/row_moment.h"
 #include "spcbase/time/internal/system_time_converter.h"
 
 namespace oldde {
@@ -29,16 +29,6 @@ TIMESTAMP_STRUCT creation_time(double date) {
     GetLocalTime(&moment);
   else
     moment.FromOleDateTime(COleDateTime(date));
-  TIMESTAMP_STRUCT timestamp{};
-  moment.ToTimestamp(&timestamp);
-  return timestamp;
-}
-
-TIMESTAMP_STRUCT present_utc() {
-  COleDateTime now = COleDateTime::GetCurrentTime();
-  to_utc(now);
-  CSystemTime moment;
-  moment.FromOleDateTime(now);
   TIMESTAMP_STRUCT timestamp{};
   moment.ToTimestamp(&timestamp);
   return timestamp;
@@ -241,7 +231,7 @@ void AddNewSampleApprovalRecord(CDatabase* db, long sample, const CString& user)
   rows.flg1 = 0;
   rows.flg2 = 0;
   rows.muser = user;
-  rows.mtime = present_utc();
+  rows.mtime = to_utc_timestamp(COleDateTime::GetCurrentTime());
   send(rows);
   rows.Close();
 }

@@ -92,7 +92,9 @@ class RevisionManager {
   ///         CDBException*, for instance when someone else added a revision first; `DBException` when the connection is
   ///         not open. A copy whose payload failed stays, approved and broken, unless the caller's transaction takes it
   ///         away.
-  /// Kept:   of a revision that the cache has from `add_new_revision` the version counts as 0.0.
+  /// Kept:   of a revision that the cache has from `add_new_revision` the version counts as 0.0. An approval in place
+  ///         takes one of the cache's entries for the revision away; since it has looked at the revision twice itself,
+  ///         another one stays, without the approval, unless the first had grown too old at the second look.
   SPCBASE_API std::pair<bool, int> approve(CDatabase* database, int maximum_blob_size, int object_id, int revision,
                                            int level, int type, int user_id, const char* user, const char* reason,
                                            bool major);

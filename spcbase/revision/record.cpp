@@ -1,7 +1,6 @@
 #include "spcbase/revision/record.h"
 
 #include "spcbase/foundation/blob.h"
-
 #include "spcbase/revision/internal/rows.h"
 
 namespace rev {
