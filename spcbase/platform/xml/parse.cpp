@@ -32,7 +32,7 @@ std::string_view text_of(const xmlChar* begin, const xmlChar* end) {
 /// Makes nodes of what the parser tells. The parser is C: nothing may be thrown through it.
 class builder {
  public:
-  builder(xmlParserCtxt& parser, dom_node& document) noexcept
+  builder(xmlParserCtxt& parser, dom_node& document)
       : parser_(parser), home_(*document.home), document_(document), current_(&document) {}
 
   /// The parser reports to here from now on, errors too, so that no handler of the process is asked or changed.
