@@ -5,7 +5,7 @@
 namespace spcbaseutil {
 
 IXMLDOMElementPtr PropertyVec::get_xml(IXMLDOMDocumentPtr& document) const {
-  const IXMLDOMElementPtr properties = document->createElement("properties");
+  IXMLDOMElementPtr properties = document->createElement("properties");
   for (const Property& each : *this) {
     const IXMLDOMElementPtr element = xml_narrow::create_element(*document, "property");
     element->appendChild(make_text_element(document, "name", each.name));

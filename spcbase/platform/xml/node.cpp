@@ -147,15 +147,23 @@ dom_node* dom_node::from(IUnknown* object) {
 void dom_node::link(dom_node& child, dom_node* before) noexcept {
   child.parent_ = this;
   child.next_ = before;
-  child.previous_ = before != nullptr ? before->previous_ : children_.last;
+  child.previous_ = before != nullptr ? before->previous_ : static_cast<dom_node*>(children_.last_or_text);
   (child.previous_ != nullptr ? child.previous_->next_ : children_.first) = &child;
-  (before != nullptr ? before->previous_ : children_.last) = &child;
+  if (before != nullptr) {
+    before->previous_ = &child;
+  } else {
+    children_.last_or_text = &child;
+  }
 }
 
 void dom_node::unlink() noexcept {
   if (parent_ == nullptr) return;
   (previous_ != nullptr ? previous_->next_ : parent_->children_.first) = next_;
-  (next_ != nullptr ? next_->previous_ : parent_->children_.last) = previous_;
+  if (next_ != nullptr) {
+    next_->previous_ = previous_;
+  } else {
+    parent_->children_.last_or_text = previous_;
+  }
   parent_ = previous_ = next_ = nullptr;
 }
 
@@ -187,7 +195,7 @@ void dom_node::put_text(std::string_view text) {
   while (children_.first != nullptr)
     children_.first->unlink();
   if (text.empty()) {
-    children_.text = nullptr;
+    children_.last_or_text = nullptr;
   } else {
     put_lone_text(text);
   }
@@ -205,14 +213,14 @@ void dom_node::put_value(std::string_view value) {
 }
 
 void dom_node::put_lone_text(std::string_view text) {
-  text_block* const old = children_.text;
+  text_block* const old = lone_text();
   if (old != nullptr && old->room_bytes >= text.size()) return old->put(text);
-  children_.text = home->make_text(text, old == nullptr ? 0 : old->room_bytes);
+  children_.last_or_text = home->make_text(text, old == nullptr ? 0 : old->room_bytes);
 }
 
 void dom_node::make_text_node() {
-  dom_node* const node = home->make<dom_node>(*home, NODE_TEXT, "#text", children_.text);
-  children_.text = nullptr;
+  dom_node* const node = home->make<dom_node>(*home, NODE_TEXT, "#text", lone_text());
+  children_.last_or_text = nullptr;
   link(*node);
 }
 

@@ -45,7 +45,7 @@ class dom_node final : public IXMLDOMElement {
         references_(0),
         type_(static_cast<std::uint32_t>(kind) & 0xFU) {
     if (holds_children()) {
-      children_ = {nullptr, {nullptr}, nullptr};
+      children_ = {nullptr, nullptr, nullptr};
     } else {
       text_ = text;
     }
@@ -72,12 +72,11 @@ class dom_node final : public IXMLDOMElement {
   std::string_view name() const noexcept { return {name_, name_bytes_}; }
   /// The text of a node that has one, else empty.
   std::string_view value() const noexcept { return holds_children() ? std::string_view() : text_->view(); }
-  bool has_children() const noexcept {
-    return holds_children() && (children_.first != nullptr || lone_text() != nullptr);
-  }
+  bool has_children() const noexcept { return holds_children() && children_.last_or_text != nullptr; }
   /// The text of an element that has nothing but one text, as long as nobody asked for that as a node.
-  const text_block* lone_text() const noexcept {
-    return type() == NODE_ELEMENT && children_.first == nullptr ? children_.text : nullptr;
+  text_block* lone_text() const noexcept {
+    const bool is_there = type() == NODE_ELEMENT && children_.first == nullptr;
+    return is_there ? static_cast<text_block*>(children_.last_or_text) : nullptr;
   }
   /// The first child that is a node, null before a lone text.
   dom_node* first_node() const noexcept { return holds_children() ? children_.first : nullptr; }
@@ -96,7 +95,7 @@ class dom_node final : public IXMLDOMElement {
 
   /// Puts a node that stands nowhere before one of the children, or last. This has no lone text.
   void link(dom_node& child, dom_node* before = nullptr) noexcept;
-  /// Puts a text behind the last child of an element, and anything else into this store.
+  /// Makes a text, or any other node, behind the last child.
   void add_text(std::string_view text);
   dom_node* add_node(DOMNodeType type, std::string_view name, std::string_view value);
   /// Takes the node from where it stands, if it does.
@@ -116,11 +115,8 @@ class dom_node final : public IXMLDOMElement {
  private:
   struct child_part {
     dom_node* first;
-    /// Which one it is, `first` tells: a lone text goes with none.
-    union {
-      dom_node* last;
-      text_block* text;
-    };
+    /// The last child, or a lone text: that goes with no first child.
+    void* last_or_text;
     attribute* attributes;
   };
   bool holds_children() const noexcept { return type() == NODE_ELEMENT || type() == NODE_DOCUMENT; }
