@@ -68,7 +68,7 @@ void load_bad_text() {
 
 int main() {
   const _bstr_t text = write_definition({{"colour", "blue"}, {"separator", " "}, {"colour", "red"}});
-  std::printf("%s", static_cast<const char*>(text));
+  std::printf("%s\n", CString(text).TrimRight().GetString());
   read_definition(text);
   read_specifications();
   load_bad_text();
