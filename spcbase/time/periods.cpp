@@ -9,10 +9,16 @@ namespace {
 
 /// -1 each for a moment that is not valid; every date built from them is invalid, too.
 struct Day {
-  explicit Day(const COleDateTime& moment) : year(moment.GetYear()), month(moment.GetMonth()), day(moment.GetDay()) {}
-  int year;
-  int month;
-  int day;
+  explicit Day(const COleDateTime& moment) {
+    SYSTEMTIME fields;
+    if (!moment.GetAsSystemTime(fields)) return;
+    year = fields.wYear;
+    month = fields.wMonth;
+    day = fields.wDay;
+  }
+  int year = -1;
+  int month = -1;
+  int day = -1;
 };
 
 COleDateTime end_of(const Day& day) { return end_of_day(day.year, day.month, day.day); }

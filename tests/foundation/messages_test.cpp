@@ -9,9 +9,11 @@
 
 #include <array>
 #include <atomic>
+#include <cstdint>
 #include <memory>
 #include <stdexcept>
 #include <string>
+#include <string_view>
 #include <thread>
 #include <vector>
 
@@ -171,6 +173,41 @@ TEST(placeholder_problem, finds_every_translation_that_takes_other_values) {
     EXPECT_EQ(placeholder_problem(row.english, row.translation).empty(), row.fits)
         << row.english << " -> " << row.translation;
   }
+}
+
+/// What `CString::Format` must make of a text with a number 7 and a text "x", whose placeholders fit.
+std::string filled(const std::string& text) {
+  std::string result;
+  for (std::size_t i = 0; i < text.size(); ++i) {
+    if (text[i] != '%') {
+      result += text[i];
+      continue;
+    }
+    ++i;
+    if (text[i] == '1' || text[i] == '2') i += 2;
+    result += text[i] == 'd' ? "7" : text[i] == 's' ? "x" : "%";
+  }
+  return result;
+}
+
+// Every text of these beginnings and five of these characters, so that no accepted one makes the formatter read a value
+// that is not there.
+TEST(placeholder_problem, lets_only_texts_pass_that_the_formatter_fills_with_the_right_values) {
+  constexpr std::string_view alphabet = "%ds12$*n";
+  long accepted = 0;
+  for (const char* const beginning : {"%", "%1$d%", "%2$s%"}) {
+    for (std::uint32_t code = 0; code < 1U << 15; ++code) {
+      std::string text = beginning;
+      for (int i = 0; i < 5; ++i)
+        text += alphabet[code >> (3 * i) & 7U];
+      if (!placeholder_problem("last %d %s", text).empty()) continue;
+      ++accepted;
+      CString formatted;
+      formatted.Format(text.c_str(), 7, "x");
+      ASSERT_EQ(formatted.GetString(), filled(text)) << text;
+    }
+  }
+  EXPECT_GT(accepted, 100);
 }
 
 TEST(placeholder_problem, knows_all_that_the_own_texts_use) {

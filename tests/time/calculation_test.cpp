@@ -259,6 +259,19 @@ TEST(GetLastNHour, across_day_0_the_bare_number_decides) {
   EXPECT_EQ(offset(&DateTimeCalculation::GetLastNHour, noon, 24), "1899-12-30 12:00:00");
 }
 
+// 1899-12-30 is day 0; the number of a time of day before it counts the other way.
+TEST(DateTimeCalculation, months_and_quarters_are_counted_evenly_through_day_0) {
+  EXPECT_EQ(offset(&DateTimeCalculation::GetLastNMonth, COleDateTime(1899, 12, 31, 18, 0, 0), 1),
+            "1899-11-01 00:00:00");
+  EXPECT_EQ(offset(&DateTimeCalculation::GetLastNMonth, COleDateTime(1850, 5, 5, 23, 59, 59), 4),
+            "1850-01-01 00:00:00");
+  EXPECT_EQ(offset(&DateTimeCalculation::GetLastNQuarter, COleDateTime(1900, 1, 15, 18, 0, 0), 1),
+            "1899-10-01 00:00:00");
+  EXPECT_EQ(offset(&DateTimeCalculation::GetLastNQuarter, COleDateTime(1899, 12, 29, 18, 0, 0), 0),
+            "1899-10-01 00:00:00");
+  EXPECT_EQ(offset(&DateTimeCalculation::GetLastNDay, COleDateTime(1900, 1, 1, 18, 0, 0), 4), "1899-12-28 00:00:00");
+}
+
 TEST(UseUtc, shortly_before_midnight_west_of_greenwich_today_is_already_the_next_date_and_all_follow_it) {
   const ZoneGuard zone("America/New_York");
   const HeldClock clock(utc(2025, 1, 1, 4, 30));  // 23:30 on 31 December

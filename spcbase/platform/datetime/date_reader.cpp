@@ -274,8 +274,8 @@ double to_variant(const std::optional<Date>& date, const TimeOfDay& time) {
 HRESULT date_from_text(std::string_view utf8, LCID locale, DWORD flags, double& date) {
   std::optional<Pieces> pieces = cut(utf8);
   if (!pieces || pieces->empty()) return DISP_E_TYPEMISMATCH;
-  const std::string& locale_name = date_locale(locale);
-  const DateHabits& habits = date_habits(locale_name);
+  const std::string& name = date_locale(locale);
+  const DateHabits& habits = date_habits(name);
   const TimePlace place = find_time(*pieces, habits);
   if (place.numbers > 0) {
     if (!place.time) return DISP_E_TYPEMISMATCH;
@@ -285,7 +285,7 @@ HRESULT date_from_text(std::string_view utf8, LCID locale, DWORD flags, double& 
   }
   std::optional<Date> day;
   if (!pieces->empty()) {
-    day = make_date(*pieces, locale_name, habits.order);
+    day = make_date(*pieces, name, habits.order);
     if (!day) return DISP_E_TYPEMISMATCH;
   }
   if ((flags & VAR_TIMEVALUEONLY) != 0) day.reset();

@@ -31,7 +31,8 @@ const COleDateTime moment(2024, 3, 5, 14, 5, 9);
 /// makes one of nothing, whose name is all that counts here.
 class ChosenForDates {
  public:
-  explicit ChosenForDates(const std::string& name) : path_("LOCPATH", folder_.path().string()) {
+  explicit ChosenForDates(const std::string& name)
+      : before_(std::setlocale(LC_TIME, nullptr)), path_("LOCPATH", folder_.path().string()) {
     std::ofstream(folder_.file("source")) << "comment_char %\nescape_char /\n";
     std::ofstream(folder_.file("characters"))
         << "<code_set_name> UTF-8\n<comment_char> %\n<escape_char> /\nCHARMAP\n<U0000>..<U007F> /x00\nEND CHARMAP\n";
@@ -45,11 +46,12 @@ class ChosenForDates {
     }
     if (!std::setlocale(LC_TIME, name.c_str())) throw std::runtime_error("the locale of the test cannot be chosen");
   }
-  ~ChosenForDates() { std::setlocale(LC_TIME, "C"); }
+  ~ChosenForDates() { std::setlocale(LC_TIME, before_.c_str()); }
   ChosenForDates(const ChosenForDates&) = delete;
   ChosenForDates& operator=(const ChosenForDates&) = delete;
 
  private:
+  std::string before_;
   test_support::ScratchFolder folder_;
   test_support::EnvironmentGuard path_;
 };
@@ -93,9 +95,10 @@ TEST(date_locale, follows_what_the_process_chose_for_dates) {
 TEST(date_locale, is_not_moved_by_the_environment_nor_by_a_choice_for_other_categories) {
   const test_support::EnvironmentGuard all("LC_ALL", "de_DE.UTF-8");
   EXPECT_EQ(date_locale(user_default), "en_US");
+  const std::string before = std::setlocale(LC_CTYPE, nullptr);
   ASSERT_NE(std::setlocale(LC_CTYPE, "C.UTF-8"), nullptr);
   EXPECT_EQ(date_locale(user_default), "en_US");
-  std::setlocale(LC_CTYPE, "C");
+  std::setlocale(LC_CTYPE, before.c_str());
 }
 
 TEST(HeldUserLocale, nests) {
