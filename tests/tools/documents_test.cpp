@@ -89,8 +89,8 @@ std::string rings() {
 std::string run_in(const fs::path& folder, const std::string& line) {
   const fs::path out = folder / "out";
   const fs::path bin = fs::path(SPC_PROGRAM).parent_path();
-  const std::string shell =
-      "cd '" + folder.string() + "' && PATH='" + bin.string() + "':$PATH && " + line + " >'" + out.string() + "' 2>&1";
+  const std::string shell = "cd '" + folder.string() + "' && PATH='" + bin.string() +
+                            "':$PATH LC_ALL=C TZ=UTC && export LC_ALL TZ && " + line + " >'" + out.string() + "' 2>&1";
   const int status = std::system(shell.c_str());
   std::ifstream stream(out);
   const std::string said{std::istreambuf_iterator<char>(stream), std::istreambuf_iterator<char>()};

@@ -44,29 +44,19 @@ std::vector<char*> pointers_to(std::vector<std::string>& texts) {
   return pointers;
 }
 
-std::vector<std::string> environment(const std::string& home) {
+std::vector<std::string> environment() {
   std::vector<std::string> made = {"PATH=/usr/bin:/bin"};
   // What the sanitizers are told must reach the command too.
   for (const char* name : {"TMPDIR", "ASAN_OPTIONS", "UBSAN_OPTIONS", "LSAN_OPTIONS"})
     if (const char* value = std::getenv(name)) made.push_back(std::string(name) + "=" + value);
-  if (!home.empty()) made.push_back("HOME=" + home);
   return made;
 }
 
-}  // namespace
-
-std::ostream& operator<<(std::ostream& out, const Answer& answer) {
-  return out << "status " << answer.status << "\n--- standard output\n"
-             << answer.out << "--- standard error\n"
-             << answer.err << "---";
-}
-
-Answer run(const std::vector<std::string>& arguments, const std::string& home,
-           const std::function<void(const std::string&)>& on_error_line) {
+Answer run_with(std::vector<std::string> variables, const std::vector<std::string>& arguments,
+                const std::function<void(const std::string&)>& on_error_line) {
   const test_support::ScratchFolder folder;
   std::vector<std::string> texts = {SPC_PROGRAM};
   texts.insert(texts.end(), arguments.begin(), arguments.end());
-  std::vector<std::string> variables = environment(home);
   const auto argv = pointers_to(texts);
   const auto envp = pointers_to(variables);
   const int out = ::open(folder.file("out").c_str(), O_WRONLY | O_CREAT | O_CLOEXEC, 0600);
@@ -89,6 +79,29 @@ Answer run(const std::vector<std::string>& arguments, const std::string& home,
   if (WIFEXITED(status)) answer.status = WEXITSTATUS(status);
   answer.out = content_of(folder.file("out"));
   return answer;
+}
+
+}  // namespace
+
+std::ostream& operator<<(std::ostream& out, const Answer& answer) {
+  return out << "status " << answer.status << "\n--- standard output\n"
+             << answer.out << "--- standard error\n"
+             << answer.err << "---";
+}
+
+Answer run(const std::vector<std::string>& arguments, const std::string& home,
+           const std::function<void(const std::string&)>& on_error_line) {
+  std::vector<std::string> variables = environment();
+  if (!home.empty()) variables.push_back("HOME=" + home);
+  return run_with(std::move(variables), arguments, on_error_line);
+}
+
+Answer run_in_zone(const std::string& zone, const std::vector<std::string>& arguments,
+                   const std::vector<std::string>& more) {
+  std::vector<std::string> variables = environment();
+  variables.push_back("TZ=" + zone);
+  variables.insert(variables.end(), more.begin(), more.end());
+  return run_with(std::move(variables), arguments, {});
 }
 
 EmptyDatabase::EmptyDatabase(test_support::ServerKind kind) {

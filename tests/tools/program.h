@@ -31,6 +31,10 @@ std::ostream& operator<<(std::ostream& out, const Answer& answer);
 Answer run(const std::vector<std::string>& arguments, const std::string& home = {},
            const std::function<void(const std::string&)>& on_error_line = {});
 
+/// Runs `spc` in a time zone; `more` are further variables of its environment, "LC_TIME=de_DE".
+Answer run_in_zone(const std::string& zone, const std::vector<std::string>& arguments,
+                   const std::vector<std::string>& more = {});
+
 /// A test that runs the command on a database with the schema.
 class OnDatabase : public test_support::DatabaseTest {
  protected:

@@ -1,6 +1,5 @@
 #include "tools/spc/cell_reader.h"
 
-#include <array>
 #include <charconv>
 #include <cmath>
 #include <cstdint>
@@ -8,24 +7,12 @@
 #include <optional>
 
 #include "spcbase/platform/automation/bstr_t.h"
-#include "spcbase/platform/datetime/ole_datetime.h"
 #include "spcbase/platform/text/unicode.h"
+#include "tools/spc/moments.h"
 #include "tools/spc/utf8.h"
 
 namespace spc {
 namespace {
-
-std::string quoted(std::string_view text) {
-  constexpr std::size_t most = 40;
-  std::string shown = on_one_line(text);
-  if (platform::utf8_length_chars(shown) > most) {
-    std::size_t end = most;
-    while (end < shown.size() && (static_cast<unsigned char>(shown[end]) & 0xC0U) == 0x80U)
-      ++end;
-    shown = shown.substr(0, end) + "...";
-  }
-  return '"' + shown + '"';
-}
 
 ReadCell wrong(std::string why, std::string advice = {}) { return {_variant_t(), std::move(why), std::move(advice)}; }
 
@@ -62,31 +49,9 @@ ReadCell read_text(std::string_view text, std::size_t max_chars) {
   return {_variant_t(std::string(text).c_str()), {}, {}};
 }
 
-/// Numbers of fixed width parted by fixed characters: "9999-99-99 99:99". Nothing when the text is another.
-template <std::size_t Count>
-bool read_fields(std::string_view text, std::string_view pattern, std::array<int, Count>& fields) {
-  if (text.size() != pattern.size()) return false;
-  std::size_t field = 0;
-  for (std::size_t i = 0; i < text.size(); ++i) {
-    if (pattern[i] == '9') {
-      if (text[i] < '0' || text[i] > '9') return false;
-      fields.at(field) = fields.at(field) * 10 + (text[i] - '0');
-    } else {
-      if (text[i] != pattern[i] && !(pattern[i] == ' ' && text[i] == 'T')) return false;
-      ++field;
-    }
-  }
-  return true;
-}
-
-ReadCell read_moment(std::string_view text) {
-  for (const std::string_view pattern : {"9999-99-99", "9999-99-99 99:99", "9999-99-99 99:99:99"}) {
-    std::array<int, 6> f{};
-    if (!read_fields(text, pattern, f)) continue;
-    const COleDateTime moment(f[0], f[1], f[2], f[3], f[4], f[5]);
-    if (moment.GetStatus() == COleDateTime::valid) return {_variant_t(moment.m_dt, VT_DATE), {}, {}};
-  }
-  return wrong(quoted(text) + " is not a date", "Dates are written 2024-03-05 or 2024-03-05 08:30:00.");
+ReadCell read_moment_cell(std::string_view text) {
+  if (const auto moment = read_moment(text)) return {_variant_t(moment->m_dt, VT_DATE), {}, {}};
+  return wrong(quoted(text) + " is not a date", std::string("Dates are written ") + moment_example + ".");
 }
 
 }  // namespace
@@ -100,7 +65,7 @@ ReadCell read_cell(std::string_view field, const GridColumn& column) {
     case CellKind::count:
       return read_count(text);
     case CellKind::moment:
-      return read_moment(text);
+      return read_moment_cell(text);
     case CellKind::text:
       break;
   }

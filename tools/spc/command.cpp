@@ -112,6 +112,7 @@ int run(int argc, const char* const* argv, std::ostream& out, std::ostream& err,
   add_sample(app, request);
   add_data_tasks(app, request);
   add_revision_tasks(app, request);
+  add_time_tasks(app, request);
   add_demo(app, request);
   try {
     if (const auto status = parse(app, request, argc, argv, out, err)) return *status;

@@ -6,8 +6,8 @@
 #include <stdexcept>
 #include <utility>
 
-#include "spcbase/platform/datetime/system_time.h"
 #include "tools/spc/json.h"
+#include "tools/spc/moments.h"
 
 namespace spc {
 namespace {
@@ -109,15 +109,6 @@ LONG Grid::filled_rows() const {
     for (LONG column = 0; column < columns_; ++column)
       if (at(column, row - 1).vt != VT_EMPTY) return row;
   return 0;
-}
-
-std::string moment_text(double day_number) {
-  SYSTEMTIME fields{};
-  if (VariantTimeToSystemTime(day_number, &fields) == 0) return "?";
-  CString text;
-  text.Format("%04d-%02d-%02d %02d:%02d:%02d", fields.wYear, fields.wMonth, fields.wDay, fields.wHour, fields.wMinute,
-              fields.wSecond);
-  return std::string(text.view());
 }
 
 std::string cell_text(const VARIANT& cell) {

@@ -70,7 +70,4 @@ std::string cell_text(const VARIANT& cell);
 /// Whether two cells hold the same: type and value, numbers to the last bit.
 bool same_cell(const VARIANT& left, const VARIANT& right);
 
-/// A moment as text, to the second.
-std::string moment_text(double day_number);
-
 }  // namespace spc

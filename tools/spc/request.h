@@ -26,6 +26,8 @@ struct Request {
   PayloadRequest payload;
   RevisionRequest revision;
   bool yes = false;
+  RangeRequest range;
+  ScheduleRequest schedule;
   std::function<int(const Terminal&)> task;
 };
 
@@ -37,5 +39,8 @@ void add_data_tasks(CLI::App& app, Request& request);
 
 /// Adds `spc rev`.
 void add_revision_tasks(CLI::App& app, Request& request);
+
+/// Adds `spc range` and `spc schedule`.
+void add_time_tasks(CLI::App& app, Request& request);
 
 }  // namespace spc

@@ -1,6 +1,6 @@
 #include "tools/spc/revisions.h"
 
-#include "tools/spc/layout.h"
+#include "tools/spc/moments.h"
 #include "tools/spc/table.h"
 #include "tools/spc/terminal.h"
 #include "tools/spc/utf8.h"

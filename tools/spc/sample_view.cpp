@@ -7,6 +7,7 @@
 #include "spcbase/foundation/failure.h"
 #include "spcbase/foundation/schema.h"
 #include "spcbase/platform/datetime/timestamp.h"
+#include "tools/spc/moments.h"
 #include "tools/spc/problem.h"
 
 namespace spc {

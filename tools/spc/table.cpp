@@ -51,4 +51,12 @@ void Table::print(std::ostream& out) const {
     print_row(out, row, all_widths);
 }
 
+void print_facts(std::ostream& out, const Facts& facts) {
+  std::size_t width = 0;
+  for (const auto& [name, value] : facts)
+    width = std::max(width, display_width(name));
+  for (const auto& [name, value] : facts)
+    out << name << std::string(width + 2 - display_width(name), ' ') << on_one_line(value) << '\n';
+}
+
 }  // namespace spc

@@ -5,6 +5,7 @@
 
 #include <ostream>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace spc {
@@ -38,5 +39,11 @@ class Table {
   std::vector<Column> columns_;
   std::vector<std::vector<std::string>> rows_;
 };
+
+/// Names and their values.
+using Facts = std::vector<std::pair<std::string, std::string>>;
+
+/// Prints a line for each fact, the values below each other.
+void print_facts(std::ostream& out, const Facts& facts);
 
 }  // namespace spc

@@ -46,6 +46,25 @@ struct RevisionRequest {
   int max_size = 0;
 };
 
+/// What `spc range` is given.
+struct RangeRequest {
+  std::string line;
+  std::string at;  ///< empty: the present
+  std::string week_start = "Sunday";
+  bool utc = false;
+  bool xml = false;
+};
+
+/// What `spc schedule` is given.
+struct ScheduleRequest {
+  std::string text;
+  std::string repeat;  ///< empty: none
+  std::string start;   ///< empty: no date
+  std::string end;     ///< empty: no date
+  std::string after;   ///< empty: the present
+  int count = 10;
+};
+
 int create_database(const Place& place, const Terminal& terminal);
 int check_database(const Place& place, const Terminal& terminal);
 int import_samples(const Place& place, const ImportRequest& request, const Terminal& terminal);
@@ -68,5 +87,8 @@ int approve_revision(const Place& place, const RevisionRequest& request, const T
 /// Without `yes` they say what they would change, and fail.
 int rebuild_revisions(const Place& place, bool yes, const Terminal& terminal);
 int reset_revisions(const Place& place, bool yes, const Terminal& terminal);
+/// They need no database.
+int show_range(const RangeRequest& request, const Terminal& terminal);
+int show_schedule(const ScheduleRequest& request, const Terminal& terminal);
 
 }  // namespace spc

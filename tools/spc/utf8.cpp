@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <array>
 
+#include "spcbase/platform/text/unicode.h"
+
 namespace spc {
 namespace {
 
@@ -81,6 +83,18 @@ std::string on_one_line(std::string_view text) {
   std::replace_if(
       line.begin(), line.end(), [](char c) { return static_cast<unsigned char>(c) < 0x20 || c == 0x7F; }, ' ');
   return line;
+}
+
+std::string quoted(std::string_view text) {
+  constexpr std::size_t most = 40;
+  std::string shown = on_one_line(text);
+  if (platform::utf8_length_chars(shown) > most) {
+    std::size_t end = most;
+    while (end < shown.size() && (byte_at(shown, end) & 0xC0U) == 0x80U)
+      ++end;
+    shown = shown.substr(0, end) + "...";
+  }
+  return '"' + shown + '"';
 }
 
 std::string_view trimmed(std::string_view text) {

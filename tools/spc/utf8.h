@@ -19,6 +19,9 @@ std::size_t display_width(std::string_view text);
 /// The text with every control character in it replaced by a blank, so that it stays on its line.
 std::string on_one_line(std::string_view text);
 
+/// The text in quotes, on one line; a long one is cut at a whole character, and "..." stands for the rest.
+std::string quoted(std::string_view text);
+
 /// The text without blanks and tabs at both ends.
 std::string_view trimmed(std::string_view text);
 

@@ -1,0 +1,21 @@
+/// Texts as lists of words, and words as numbers.
+///
+/// Part of the command.
+#pragma once
+
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace spc {
+
+/// The number of a text of nothing but digits; -1 for any other, and for one beyond the numbers.
+int plain_number(std::string_view text);
+
+/// The words of a text, parted by any of these characters.
+std::vector<std::string> words_of(std::string_view text, std::string_view separators);
+
+/// "day, week or month".
+std::string either(const std::vector<std::string>& words);
+
+}  // namespace spc
