@@ -167,7 +167,7 @@ Line measure_alone(const Job& job, double seconds) {
 }
 
 void print_table(const std::vector<Line>& lines) {
-  const char* format = "%-30s | %-7s | %10s | %10s | %5s | %8s | %s\n";
+  const char* format = "%-38s | %-7s | %10s | %10s | %5s | %8s | %s\n";
   std::printf(format, "job", "server", "ours", "plain", "ratio", "limit", "verdict");
   for (const auto& line : lines)
     std::printf(format, line.job.c_str(), line.server.c_str(), line.ours.c_str(), line.plain.c_str(),
