@@ -8,15 +8,12 @@
 #include <gtest/gtest.h>
 
 #include <clocale>
-#include <filesystem>
-#include <fstream>
 #include <stdexcept>
 #include <string>
 
 #include "spcbase/platform/datetime/ole_datetime.h"
 #include "tests/support/environment_guard.h"
-#include "tests/support/helper_process.h"
-#include "tests/support/scratch_folder.h"
+#include "tests/support/made_locale.h"
 
 namespace {
 
@@ -27,23 +24,11 @@ using platform::locale_of_c_name;
 constexpr LCID user_default = 0x400;
 const COleDateTime moment(2024, 3, 5, 14, 5, 9);
 
-/// Makes a locale of a name and chooses it for dates. A machine may have none but "C"; the C library's own `localedef`
-/// makes one of nothing, whose name is all that counts here.
+/// Makes a locale of a name and chooses it for dates.
 class ChosenForDates {
  public:
   explicit ChosenForDates(const std::string& name)
-      : before_(std::setlocale(LC_TIME, nullptr)), path_("LOCPATH", folder_.path().string()) {
-    std::ofstream(folder_.file("source")) << "comment_char %\nescape_char /\n";
-    std::ofstream(folder_.file("characters"))
-        << "<code_set_name> UTF-8\n<comment_char> %\n<escape_char> /\nCHARMAP\n<U0000>..<U007F> /x00\nEND CHARMAP\n";
-    test_support::HelperProcess localedef("/usr/bin/localedef", {"-c", "-i", folder_.file("source"), "-f",
-                                                                 folder_.file("characters"), folder_.file(name)});
-    try {
-      localedef.finish();
-    } catch (const std::runtime_error&) {
-      // It ends with 1 for every locale that lacks a category, and has made it nevertheless.
-      if (!std::filesystem::exists(folder_.path() / name / "LC_TIME")) throw;
-    }
+      : before_(std::setlocale(LC_TIME, nullptr)), made_(name), path_("LOCPATH", made_.folder()) {
     if (!std::setlocale(LC_TIME, name.c_str())) throw std::runtime_error("the locale of the test cannot be chosen");
   }
   ~ChosenForDates() { std::setlocale(LC_TIME, before_.c_str()); }
@@ -52,7 +37,7 @@ class ChosenForDates {
 
  private:
   std::string before_;
-  test_support::ScratchFolder folder_;
+  test_support::MadeLocale made_;
   test_support::EnvironmentGuard path_;
 };
 
