@@ -10,6 +10,7 @@
 #include <vector>
 
 #include "spcbase/platform/text/unicode.h"
+#include "spcbase/platform/xml/attribute_watch.h"
 #include "spcbase/platform/xml/characters.h"
 
 namespace xml_model {
@@ -72,6 +73,8 @@ class builder {
   attribute** add_declarations(attribute** end, int count, const xmlChar** declarations);
   void add_attributes(attribute** end, int count, const xmlChar** attributes);
   void open(const xmlChar* local_name, const xmlChar* prefix);
+  void check_names();
+  void refuse(LONG code, std::string reason);
   void take_text(std::string_view text);
   void finish_text();
 
@@ -140,11 +143,27 @@ void builder::open(const xmlChar* local_name, const xmlChar* prefix) {
   keeps_blanks_.push_back(keeps_blanks_.back());
 }
 
+void builder::refuse(LONG code, std::string reason) {
+  if (failure_.code == 0) failure_ = {code, std::move(reason), parser_.input->line, parser_.input->col};
+  xmlStopParser(&parser_);
+}
+
+void builder::check_names() {
+  // The parser looks for a declaration among all that are open, and for a name among those of like hash, in a table
+  // that stops growing.
+  if (static_cast<std::size_t>(parser_.nsNr) / 2 > most_declarations)
+    refuse(XML_ERR_INTERNAL_ERROR,
+           "More than " + std::to_string(most_declarations) + " namespaces are declared for an element");
+  if (static_cast<std::size_t>(xmlDictSize(home_.names())) > most_names)
+    refuse(XML_ERR_INTERNAL_ERROR, "The text has more than " + std::to_string(most_names) + " different names");
+}
+
 void builder::on_start(void* context, const xmlChar* local_name, const xmlChar* prefix, const xmlChar*,
                        int declaration_count, const xmlChar** declarations, int attribute_count, int,
                        const xmlChar** attributes) {
   builder& me = self(context);
   me.carefully([&] {
+    me.check_names();
     me.open(local_name, prefix);
     if (declaration_count == 0 && attribute_count == 0) return;
     attribute* first = nullptr;
@@ -205,6 +224,7 @@ void builder::on_comment(void* context, const xmlChar* text) {
 void builder::on_instruction(void* context, const xmlChar* target, const xmlChar* data) {
   builder& me = self(context);
   me.carefully([&] {
+    me.check_names();
     me.finish_text();
     me.current_->add_node(NODE_PROCESSING_INSTRUCTION, me.home_.name(text_of(target)), text_of(data));
   });
@@ -212,13 +232,7 @@ void builder::on_instruction(void* context, const xmlChar* target, const xmlChar
 
 void builder::on_document_type(void* context, const xmlChar*, const xmlChar*, const xmlChar*) {
   builder& me = self(context);
-  me.carefully([&] {
-    if (me.failure_.code == 0) {
-      me.failure_ = {XML_E_INVALIDATROOTLEVEL, "A document type declaration is not allowed", me.parser_.input->line,
-                     me.parser_.input->col};
-    }
-  });
-  xmlStopParser(&me.parser_);
+  me.carefully([&] { me.refuse(XML_E_INVALIDATROOTLEVEL, "A document type declaration is not allowed"); });
 }
 
 void builder::on_error(void* context, xmlError* error) {
@@ -257,11 +271,10 @@ class narrow_source {
  public:
   explicit narrow_source(std::string_view text) noexcept : text_(text) {}
 
-  static int read(void* context, char* buffer, int room_bytes) noexcept {
-    std::string_view& left = static_cast<narrow_source*>(context)->text_;
-    const std::size_t count = left.copy(buffer, static_cast<std::size_t>(room_bytes));
-    left.remove_prefix(count);
-    return static_cast<int>(count);
+  std::size_t read(char* buffer, std::size_t room_bytes) noexcept {
+    const std::size_t count = text_.copy(buffer, room_bytes);
+    text_.remove_prefix(count);
+    return count;
   }
 
  private:
@@ -273,13 +286,12 @@ class wide_source {
  public:
   wide_source(std::u16string_view text, std::size_t limit_bytes) noexcept : text_(text), left_bytes_(limit_bytes) {}
 
-  static int read(void* context, char* buffer, int room_bytes) noexcept {
-    auto& self = *static_cast<wide_source*>(context);
-    const std::size_t count = self.text_.read(buffer, static_cast<std::size_t>(room_bytes));
-    self.is_too_long_ = self.is_too_long_ || count > self.left_bytes_;
-    if (self.is_too_long_) return 0;
-    self.left_bytes_ -= count;
-    return static_cast<int>(count);
+  std::size_t read(char* buffer, std::size_t room_bytes) noexcept {
+    const std::size_t count = text_.read(buffer, room_bytes);
+    is_too_long_ = is_too_long_ || count > left_bytes_;
+    if (is_too_long_) return 0;
+    left_bytes_ -= count;
+    return count;
   }
 
   const narrowing& text() const noexcept { return text_; }
@@ -313,14 +325,45 @@ parse_failure unwritable(std::u16string_view text, std::size_t at) {
   return {XML_ERR_INVALID_CHAR, reason, line, static_cast<LONG>(at - line_begin) + 1};
 }
 
+/// A source as the parser asks it. It ends where nothing that follows can make the text a good one: the parser would go
+/// on behind a fault, and through an element of any size.
+template <class Source>
+class guarded_source {
+ public:
+  explicit guarded_source(Source& source) noexcept : source_(source) {}
+
+  static int read(void* context, char* buffer, int room_bytes) noexcept {
+    auto& self = *static_cast<guarded_source*>(context);
+    if (self.failure_ != nullptr && self.failure_->code != 0) return 0;
+    const std::size_t count = self.source_.read(buffer, static_cast<std::size_t>(room_bytes));
+    return self.watch_.take({buffer, count}) ? static_cast<int>(count) : 0;
+  }
+  void heed(const parse_failure& failure) noexcept { failure_ = &failure; }
+  bool has_too_many_attributes() const noexcept { return watch_.has_too_many(); }
+
+ private:
+  Source& source_;
+  attribute_watch watch_{most_attributes};
+  const parse_failure* failure_ = nullptr;
+};
+
 // Parses what a source gives.
-parsed parse_from(xmlInputReadCallback read, void* source, dom_node& document) {
-  const parser_holder parser = make_parser(read, source, *document.home);
+template <class Source>
+parsed parse_from(Source& source, dom_node& document) {
+  guarded_source<Source> guarded(source);
+  const parser_holder parser = make_parser(&guarded_source<Source>::read, &guarded, *document.home);
   builder nodes(*parser, document);
   nodes.attach();
+  guarded.heed(nodes.failure());
   xmlParseDocument(parser.get());
   if (nodes.is_out_of_memory()) throw std::bad_alloc();
-  return {nodes.failure(), {false, parser->standalone}};
+  parsed result = {nodes.failure(), {false, parser->standalone}};
+  if (guarded.has_too_many_attributes()) {
+    // The parser has found an unfinished tag: its place is right.
+    result.failure.code = XML_ERR_INTERNAL_ERROR;
+    result.failure.reason = "An element has more than " + std::to_string(most_attributes) + " attributes";
+  }
+  return result;
 }
 
 }  // namespace
@@ -328,7 +371,7 @@ parsed parse_from(xmlInputReadCallback read, void* source, dom_node& document) {
 parsed parse(std::u16string_view text, dom_node& document, std::size_t limit_bytes) {
   if (text.starts_with(u'\xFEFF')) text.remove_prefix(1);
   wide_source source(text, limit_bytes);
-  parsed result = parse_from(&wide_source::read, &source, document);
+  parsed result = parse_from(source, document);
   if (source.text().is_stuck()) result.failure = unwritable(text, source.text().at());
   if (source.is_too_long()) result.failure = too_long(limit_bytes);
   result.head.is_present = has_declaration(text);
@@ -341,7 +384,7 @@ parsed parse(std::string_view text, dom_node& document, std::size_t limit_bytes)
   if (text.size() > limit_bytes) return {too_long(limit_bytes), {}};
   if (text.starts_with("\xEF\xBB\xBF")) text.remove_prefix(3);
   narrow_source source(text);
-  parsed result = parse_from(&narrow_source::read, &source, document);
+  parsed result = parse_from(source, document);
   result.head.is_present = has_declaration(text);
   return result;
 }

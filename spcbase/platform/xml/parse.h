@@ -33,6 +33,12 @@ struct parsed {
 /// No text is longer, in bytes of UTF-8: it is as much as the parser promises to take.
 inline constexpr std::size_t longest_text_bytes = 1'000'000'000;
 
+/// Nor has an element more attributes, namespace declarations among them, or more declarations that hold where it
+/// stands; nor are there more different names. The parser's time grows by the square of each.
+inline constexpr std::size_t most_attributes = 4'000;
+inline constexpr std::size_t most_declarations = 4'000;
+inline constexpr std::size_t most_names = 100'000;
+
 /// Parses UTF-16, or UTF-8, and links what it holds into an empty document node. What is not well-formed UTF-8 is read
 /// as U+FFFD. After a failure the node holds whatever came before it.
 /// Fails: std::bad_alloc; nothing else, whatever the text holds.

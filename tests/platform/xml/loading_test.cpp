@@ -2,8 +2,10 @@
 //   What is told of a bad text: the parser's own code, reason, line and position; the first error counts
 //   Narrowing: UTF-16 becomes UTF-8 piece by piece
 //   Refused: document types and entities, characters that XML does not have, zeros, halves of pairs, texts beyond the
-//   limit White space: dropped between tags, kept when it is meant Size: 10,000 and 200,000 levels, 100 MB, 50,000
-//   names and attributes; nothing recurses Manners: nothing on standard error, several threads at once
+//            limits of bytes, attributes, declarations and names
+//   White space: dropped between tags, kept when it is meant
+//   Size: 10,000 and 200,000 levels, 100 MB, 50,000 names, as many attributes as may be; nothing recurses
+//   Manners: nothing on standard error, several threads at once
 #include <thread>
 #include <vector>
 
@@ -157,6 +159,67 @@ TEST(Refused, texts_beyond_the_limit_with_a_clear_message) {
   // The limit is of UTF-8: eight characters can be nine bytes.
   EXPECT_EQ(xml_model::parse(std::u16string_view(u"<abcd\xE4/>"), *document, 8).failure.code, 1);
   EXPECT_EQ(xml_model::parse(std::u16string_view(u"<abcd\xE4/>"), *document, 9).failure.code, 0);
+}
+
+// An element with so many attributes, whose values hold what looks like more of the text.
+std::string element_with_attributes(std::size_t count) {
+  std::string text = "<a";
+  for (std::size_t i = 0; i < count; ++i)
+    text += "\nn" + std::to_string(i) + (i % 2 == 0 ? "=\"'/>\"" : "='\">'");
+  return text + "/>";
+}
+
+TEST(Refused, an_element_of_too_many_attributes_with_a_clear_message) {
+  const std::string most = element_with_attributes(xml_model::most_attributes);
+  EXPECT_TRUE(model::loads(most.c_str()));
+  EXPECT_TRUE(model::loads(("<!-- " + most + " --><r>" + most + most + "</r>").c_str()));
+  for (const std::size_t count : {xml_model::most_attributes + 1, std::size_t{1'000'000}}) {
+    const std::string text = "<r>\n" + element_with_attributes(count) + "</r>";
+    const Told told = told_of(text.c_str());
+    EXPECT_EQ(told.code, 1);
+    EXPECT_EQ(told.reason, "An element has more than 4000 attributes");
+    EXPECT_GT(told.line, 2);
+    EXPECT_GT(told.position, 0);
+    EXPECT_EQ(xml_narrow::load(*new_document(), text), VARIANT_FALSE);
+  }
+}
+
+TEST(Refused, an_element_within_too_many_namespaces_with_a_clear_message) {
+  const auto nested_declarations = [](std::size_t count) {
+    std::string text;
+    for (std::size_t i = 0; i < count; ++i)
+      text += "<p:a xmlns:p='u'>";
+    for (std::size_t i = 0; i < count; ++i)
+      text += "</p:a>";
+    return text;
+  };
+  EXPECT_TRUE(model::loads(nested_declarations(xml_model::most_declarations).c_str()));
+  const Told told = told_of(nested_declarations(xml_model::most_declarations + 1).c_str());
+  EXPECT_EQ(told.code, 1);
+  EXPECT_EQ(told.reason, "More than 4000 namespaces are declared for an element");
+  // One after the other there may be any number.
+  std::string siblings = "<r>";
+  for (std::size_t i = 0; i < 2 * xml_model::most_declarations; ++i)
+    siblings += "<p:a xmlns:p='u'/>";
+  EXPECT_TRUE(model::loads((siblings + "</r>").c_str()));
+}
+
+TEST(Refused, too_many_different_names_with_a_clear_message) {
+  for (const char* mark : {"", "?"}) {
+    std::string text = "<r>";
+    for (std::size_t i = 0; i <= xml_model::most_names; ++i)
+      text.append("<").append(mark).append("n" + std::to_string(i)).append(*mark == '?' ? "?>" : "/>");
+    const Told told = told_of((text + "</r>").c_str());
+    EXPECT_EQ(told.code, 1);
+    EXPECT_EQ(told.reason, "The text has more than 100000 different names");
+  }
+}
+
+TEST(Refused, what_follows_a_fault_is_not_read) {
+  // Half of a pair would be told of in the place of the fault if the text were read to its end.
+  const Told told = told_of(wide(u"<r>\n<a></b>" + std::u16string(100'000, u' ') + u"\xD800"));
+  EXPECT_EQ(told.code, 76);
+  EXPECT_EQ(told.line, 2);
 }
 
 TEST(WhiteSpace, between_tags_is_dropped_in_any_amount) {

@@ -1,0 +1,70 @@
+#include "spcbase/platform/xml/attribute_watch.h"
+
+namespace xml_model {
+
+bool attribute_watch::take(std::string_view piece) noexcept {
+  while (!piece.empty() && !has_too_many()) {
+    // Most of a text is no markup, and most of a value no quote.
+    if (place_ == place::text || place_ == place::value) {
+      const std::size_t end = piece.find(place_ == place::text ? '<' : quote_);
+      if (end == std::string_view::npos) break;
+      piece.remove_prefix(end);
+    }
+    step(piece.front());
+    piece.remove_prefix(1);
+  }
+  return !has_too_many();
+}
+
+void attribute_watch::step(char c) noexcept {
+  switch (place_) {
+    case place::text:
+      place_ = place::opened;
+      return;
+    case place::opened:
+      return open(c);
+    case place::start_tag:
+      return step_in_start_tag(c);
+    case place::value:
+      place_ = place::start_tag;
+      return;
+    case place::end_tag:
+      if (c == '>') place_ = place::text;
+      return;
+    case place::marked:
+      // What is neither is a document type, at which the parser stops.
+      place_ = c == '-' ? place::comment_opened : c == '[' ? place::section : place::text;
+      return;
+    case place::comment_opened:
+      place_ = place::comment;
+      return;
+    case place::comment:
+      return skip_to("--", c);
+    case place::section:
+      return skip_to("]]", c);
+    case place::instruction:
+      return skip_to("?", c);
+  }
+}
+
+void attribute_watch::open(char c) noexcept {
+  last_[0] = last_[1] = 0;
+  place_ = c == '!' ? place::marked : c == '?' ? place::instruction : c == '/' ? place::end_tag : place::start_tag;
+  if (place_ == place::start_tag) count_ = 0;
+}
+
+void attribute_watch::step_in_start_tag(char c) noexcept {
+  if (c == '>') place_ = place::text;
+  if (c != '"' && c != '\'') return;
+  place_ = place::value;
+  quote_ = c;
+  ++count_;
+}
+
+void attribute_watch::skip_to(std::string_view end, char c) noexcept {
+  if (c == '>' && std::string_view(last_, 2).ends_with(end)) place_ = place::text;
+  last_[0] = last_[1];
+  last_[1] = c;
+}
+
+}  // namespace xml_model
