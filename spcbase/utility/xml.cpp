@@ -2,10 +2,10 @@
 
 #include <algorithm>
 #include <array>
-#include <cstdlib>
 #include <unordered_map>
 
 #include "spcbase/foundation/internal/raise.h"
+#include "spcbase/platform/text/leading_int.h"
 #include "spcbase/utility/internal/xml_elements.h"
 
 namespace {
@@ -68,7 +68,7 @@ _bstr_t get_elem_value(const IXMLDOMNodePtr& node) { return xml_narrow::to_wide(
 
 CString get_elem_text(const IXMLDOMNodePtr& node) { return CString(value_of(node)); }
 
-int get_elem_int(const IXMLDOMNodePtr& node) { return std::atoi(get_elem_text(node)); }
+int get_elem_int(const IXMLDOMNodePtr& node) { return platform::leading_int(value_of(node)); }
 
 bool check_bool_value(const char* text) {
   const CString given(text);

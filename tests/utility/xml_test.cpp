@@ -87,6 +87,12 @@ TEST(GetElemInt, reads_what_atoi_reads) {
   EXPECT_EQ(get_elem_int(root_of("<a/>")), 0);
 }
 
+TEST(GetElemInt, of_a_number_beyond_int_is_the_nearest_int) {
+  EXPECT_EQ(get_elem_int(root_of("<a>2147483648</a>")), 2'147'483'647);
+  EXPECT_EQ(get_elem_int(root_of("<a>-2147483648</a>")), -2'147'483'647 - 1);
+  EXPECT_EQ(get_elem_int(root_of("<a>-99999999999999999999</a>")), -2'147'483'647 - 1);
+}
+
 TEST(CheckBoolValue, knows_three_words_in_any_case) {
   for (const char* word : {"TRUE", "true", "tRuE", "Yes", "YES", "yes", "1"})
     EXPECT_TRUE(check_bool_value(word)) << word;

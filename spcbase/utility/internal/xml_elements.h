@@ -38,7 +38,7 @@ void set_int_attribute(const _com_ptr_t<IXMLDOMElement>& element, const char* na
 
 /// `get_elem_value` as a CString.
 CString get_elem_text(const _com_ptr_t<IXMLDOMNode>& node);
-/// `get_elem_value` through `atoi`: 0 for what is no number.
+/// `get_elem_value` as `atoi` reads it: 0 for what is no number; beyond `int` the nearest one.
 int get_elem_int(const _com_ptr_t<IXMLDOMNode>& node);
 
 /// `load_xml` for narrow text.
