@@ -16,9 +16,9 @@ namespace schd {
 
 /// The sentence.
 /// `repeat` may be null. `start` and `end` are the window's dates; an empty variant is no date and is not spoken of.
-/// One that cannot be converted reads "Invalid DateTime", and so does an hour or minute that is none. Kept: a schedule
-/// of type `none` gives an empty text, or the repeat alone; days and dates are left out then. Kept: an end without a
-/// start follows the days without a comma.
+/// One that cannot be converted reads "Invalid DateTime", and so does an hour or minute that is none.
+/// Kept: a schedule of type `none` gives an empty text, or the repeat alone; days and dates are left out then.
+/// Kept: an end without a start follows the days without a comma.
 SPCBASE_API CString get_schedule_descriptive_text(const ScheduleStringInfo& schedule, const RepeatStringInfo* repeat,
                                                   const _variant_t& start, const _variant_t& end);
 

@@ -12,12 +12,10 @@
 ///   monthly: the days of the mask; a month without the wanted day is passed over. A schedule of type `none` has no
 ///   days of its own; with a repeat it is due every day from midnight on.
 /// - Within such a day: at hour and minute, then again by the repeat, up to its end, which counts as due itself when
-/// the
-///   interval meets it. Repeats end with the day. An end before the hour and minute leaves the first moment alone.
+///   the interval meets it. Repeats end with the day. An end before the hour and minute leaves the first moment alone.
 /// - Window: from `start` to `end`, both moments included.
 /// - Daylight saving: a time that the clocks skip is due at the first moment behind the gap, once for all skipped
-/// times;
-///   a time that they repeat is due once.
+///   times; a time that they repeat is due once.
 #pragma once
 
 #include <vector>
@@ -33,8 +31,7 @@ namespace schd {
 /// `repeat` may be null. `start` and `end` are dates, or empty for an open window.
 /// The cost does not depend on how far the moments lie apart.
 /// Fails: `DBException`, with what is wrong and what would be right, for a customised schedule, an hour, minute, step
-/// or
-///        interval that means nothing, dates that are none, an `after` that is not valid, a negative count.
+///        or interval that means nothing, dates that are none, an `after` that is not valid, a negative count.
 SPCBASE_API std::vector<COleDateTime> next_moments(const ScheduleStringInfo& schedule, const RepeatStringInfo* repeat,
                                                    const _variant_t& start, const _variant_t& end,
                                                    const COleDateTime& after, int count);

@@ -46,9 +46,8 @@ class SPCBASE_API ScheduleInfo : public XMLSerializable {
 
   /// Sets the fields from the children of an element, read by the child walk; its own name does not matter. What has no
   /// child keeps what it held. Dates lose what is below a second.
-  /// Fails: `_com_error` with E_POINTER for a null element; `DBException` "XML error." where a child has children but
-  /// no
-  ///        text. Fields that were read before keep their new values.
+  /// Fails: `_com_error` with E_POINTER for a null element; `DBException` "XML error." where a child has children
+  ///        but no text. Fields that were read before keep their new values.
   void set_xml(int version, const _com_ptr_t<IXMLDOMElement>& element) override;
 
  private:

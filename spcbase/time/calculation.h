@@ -31,8 +31,8 @@ class SPCBASE_API DateTimeCalculation {
   /// Whether the present is expressed in UTC and not in local time.
   bool use_utc;
 
-  /// A period of the present. Kept: it is a period to date, from its first day at 00:00:00 to today at 23:59:59, and
-  /// not to its own end.
+  /// A period of the present.
+  /// Kept: it is a period to date, from its first day at 00:00:00 to today at 23:59:59, and not to its own end.
   void GetToday(COleDateTime& start, COleDateTime& end) const;
   void GetThisWeek(COleDateTime& start, COleDateTime& end) const;
   void GetThisMonth(COleDateTime& start, COleDateTime& end) const;

@@ -66,9 +66,9 @@ class SPCBASE_API DateTimeRange {
   /// Reckons the moments anew, from the present and the settings of `calculation`.
   /// A fixed range keeps its moments; for all data and no initial data they become null and keep their numbers. The
   /// last `count` days, weeks, months, quarters and years begin so many whole units before the present one and end
-  /// today at 23:59:59; hours, minutes and seconds end at the present moment. Kept:    the last weeks begin at 23:59:59
-  /// on the first day of their first week, since `GetLastNWeek` keeps the time
-  ///          of day. A unit outside the table leaves `from` and sets `to`.
+  /// today at 23:59:59; hours, minutes and seconds end at the present moment.
+  /// Kept:    the last weeks begin at 23:59:59 on the first day of their first week, since `GetLastNWeek` keeps the
+  ///          time of day. A unit outside the table leaves `from` and sets `to`.
   /// Returns  false, and changes nothing, for a type outside the table. A present that cannot be read shows as status
   ///          invalid of the moments.
   bool Recalculate(const DateTimeCalculation& calculation);
@@ -98,9 +98,8 @@ class SPCBASE_API DateTimeRange {
   _com_ptr_t<IXMLDOMElement> get_xml(_com_ptr_t<IXMLDOMDocument>& document, const CString& tag) const;
   /// Sets the fields from the children of an element, read by the child walk. What has no child keeps what it held; a
   /// word that is none is this week, or the unit week; the moments become valid.
-  /// Fails: `_com_error` with E_POINTER for a null element; `DBException` "XML error." where a child has children but
-  /// no
-  ///        text.
+  /// Fails: `_com_error` with E_POINTER for a null element; `DBException` "XML error." where a child has children
+  ///        but no text.
   void set_xml(const _com_ptr_t<IXMLDOMElement>& element);
 
   /// The XML words. A value outside its table gives "this_week" and "week"; a word that is none, case counts, gives

@@ -27,14 +27,15 @@ namespace platform {
 /// Understood are numbers parted by "/", "-", "," or blanks in the locale's order, in another order when only that
 /// makes a date, or year first; months by their English name or the locale's, in full or by three letters; times parted
 /// by ":" or "." with or without AM and PM. Two-digit years 00 to 49 are 2000 to 2049, 50 to 99 are 1950 to 1999; a
-/// date without a year lies in the current one. Flags:  VAR_TIMEVALUEONLY and VAR_DATEVALUEONLY drop the other half of
-/// the result. Returns S_OK, or DISP_E_TYPEMISMATCH with `date` untouched when the text is no date.
+/// date without a year lies in the current one.
+/// Flags:  VAR_TIMEVALUEONLY and VAR_DATEVALUEONLY drop the other half of the result.
+/// Returns S_OK, or DISP_E_TYPEMISMATCH with `date` untouched when the text is no date.
 SPCBASE_API HRESULT date_from_text(std::string_view utf8, LCID locale, DWORD flags, double& date);
 
 /// Writes a date as UTF-8, rounded to the second: "3/15/2024 2:05:09 PM" in US English.
 /// Without flags a time of midnight is left out, and so is the date 1899-12-30 (day 0); both at once are written as a
-/// time. Years are written in full, before AM and PM stands a plain blank. Returns S_OK, or E_INVALIDARG with `text`
-/// untouched for a number that is no date.
+/// time. Years are written in full, before AM and PM stands a plain blank.
+/// Returns S_OK, or E_INVALIDARG with `text` untouched for a number that is no date.
 SPCBASE_API HRESULT text_from_date(double date, LCID locale, DWORD flags, std::string& text);
 
 }  // namespace platform
