@@ -9,6 +9,7 @@
 
 #include "spcbase/foundation/messages.h"
 #include "spcbase/platform/datetime/ole_datetime.h"
+#include "spcbase/platform/datetime/user_locale.h"
 #include "spcbase/schedule/description.h"
 #include "tests/support/german_messages.h"
 
@@ -150,6 +151,12 @@ TEST_F(get_schedule_descriptive_text_in_german, every_word_is_the_translated_one
             "Alle 10 Minute(n) ab 8:00:00 AM bis 5:30:00 PM alle 3 Tage; beginnend am 1/2/2024 und endend am 2/2/2024");
   EXPECT_EQ(told("", "1 h 1 2 15"), "Alle 1 Stunde(n) für 2 Stunde(n) und 15 Minute(n)");
   EXPECT_EQ(told("5 * * * *"), "Um 12:05:00 AM angepasst \"5 * * * *\"");
+}
+
+TEST_F(get_schedule_descriptive_text_in_german, times_and_dates_follow_the_users_locale) {
+  const platform::HeldUserLocale users("de_DE.UTF-8");
+  EXPECT_EQ(told("0 8 * * *", "10 m 0 17 30", date(2024, 1, 2), date(2024, 2, 2)),
+            "Alle 10 Minute(n) ab 08:00:00 bis 17:30:00 jeden Tag; beginnend am 2.1.2024 und endend am 2.2.2024");
 }
 
 TEST_F(get_schedule_descriptive_text_in_german, months_take_the_translated_separator_and_weekdays_the_fixed_one) {

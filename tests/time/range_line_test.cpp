@@ -1,12 +1,13 @@
 // Plan
 //   lines that are read, and those that are refused and change nothing -> DateTimeRange_parse.*
 //   lines that are written -> DateTimeRange_to_string.*
-//   there and back over random ranges -> DateTimeRange_line.*
+//   there and back over random ranges, in other locales, over all years of dates -> DateTimeRange_line.*
 #include <gtest/gtest.h>
 
 #include <random>
 #include <string>
 
+#include "spcbase/platform/datetime/user_locale.h"
 #include "spcbase/time/range.h"
 
 namespace {
@@ -179,6 +180,37 @@ TEST(DateTimeRange_line, comes_back_equal_for_any_range) {
     ASSERT_TRUE(read.parse(range.to_string())) << range.to_string();
     ASSERT_TRUE(read == range) << range.to_string();
   }
+}
+
+TEST(DateTimeRange_line, comes_back_equal_from_any_year_of_dates_in_every_locale) {
+  std::mt19937 random{100};
+  std::uniform_int_distribution<int> days(-657434, 2958465);  // 100-01-01 to 9999-12-31
+  std::uniform_int_distribution<int> seconds(0, 86399);
+  const auto moment = [&] { return COleDateTime(days(random) * 1.0) + COleDateTimeSpan(0, 0, 0, seconds(random)); };
+  for (const char* locale : {"C", "de_DE", "en_GB", "fr_FR", "ja_JP", "sv_SE", "fi_FI", "th_TH", "ar_SA", "fa_IR"}) {
+    const platform::HeldUserLocale users(locale);
+    for (int i = 0; i < 500; ++i) {
+      DateTimeRange range;
+      range.type = DateTimeRange::fixed_range;
+      range.from = moment();
+      range.to = moment();
+      DateTimeRange read = marked();
+      ASSERT_TRUE(read.parse(range.to_string())) << locale << ' ' << range.to_string();
+      ASSERT_TRUE(read == range) << locale << ' ' << range.to_string();
+    }
+  }
+}
+
+TEST(DateTimeRange_line, a_year_of_three_digits_is_read_with_and_without_a_leading_zero) {
+  DateTimeRange range;
+  ASSERT_TRUE(range.parse("fixed_range 0100-01-01 0999-12-31#23:59:59"));
+  EXPECT_EQ(range.from, COleDateTime(100, 1, 1, 0, 0, 0));
+  EXPECT_EQ(range.to, COleDateTime(999, 12, 31, 23, 59, 59));
+  DateTimeRange again;
+  ASSERT_TRUE(again.parse("fixed_range 100-01-01 999-12-31#23:59:59"));
+  EXPECT_TRUE(again == range);
+  ASSERT_TRUE(again.parse(range.to_string())) << range.to_string();
+  EXPECT_TRUE(again == range) << range.to_string();
 }
 
 }  // namespace

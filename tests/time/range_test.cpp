@@ -9,7 +9,7 @@
 #include <string>
 
 #include "spcbase/foundation/failure.h"
-#include "spcbase/foundation/messages.h"
+#include "spcbase/platform/datetime/user_locale.h"
 #include "spcbase/time/range.h"
 #include "spcbase/utility/internal/xml_elements.h"
 #include "tests/support/german_messages.h"
@@ -170,6 +170,7 @@ TEST(DateTimeRange_text, every_unit_is_shown_and_a_strange_one_is_left_out) {
   }
   range.time_unit = outside_units;
   EXPECT_EQ(range.get_display_string(""), "last 5 ");
+  EXPECT_EQ(range.get_log_str(), "last 5 week") << "a log takes the word of XML";
 }
 
 TEST(DateTimeRange_text, a_type_outside_the_table_is_empty_everywhere) {
@@ -207,22 +208,48 @@ TEST(DateTimeRange_text, moments_that_are_null_or_invalid_are_told_so) {
   EXPECT_EQ(range.get_log_str(), "from [] to [Invalid DateTime]");
 }
 
-TEST(DateTimeRange_text, the_display_follows_a_translated_table_and_nothing_else_does) {
-  install_messages(test_support::german_messages());
-  const CString shown = of_type(6).get_display_string("Erstellt");
-  const CString today = of_type(1).get_display_string("");
-  const CString logged = of_type(6).get_log_str();
-  const CString line = of_type(6).to_string();
-  install_messages({});
-  const auto german = test_support::german_messages();
-  CString wanted = german.at(msg::last_n_units);
-  wanted.Replace("%d", "5");
-  wanted.Replace("%s", german.at(msg::day));
-  EXPECT_EQ(shown, "Erstellt = " + wanted);
-  EXPECT_NE(shown, "Erstellt = last 5 day");
-  EXPECT_EQ(today, german.at(msg::today));
-  EXPECT_EQ(logged, "last 5 day");
-  EXPECT_EQ(line, "last 5 day");
+TEST(DateTimeRange_text, the_display_follows_a_translated_table_and_the_users_locale) {
+  const test_support::InstalledMessages german(test_support::german_messages());
+  const platform::HeldUserLocale users("de_DE.UTF-8");
+  const char* const texts[] = {"zwischen 15.3.2024 08:05:09 und 16.3.2024 17:30:00",
+                               "Heute",
+                               "Diese Woche",
+                               "Dieser Monat",
+                               "Dieses Quartal",
+                               "Dieses Jahr",
+                               "letzte 5 Tag(e)",
+                               "Keine Anfangsdaten",
+                               "Alle Daten",
+                               "Gestern",
+                               "Letzte Woche",
+                               "Letzter Monat",
+                               "Letztes Quartal",
+                               "Letztes Jahr"};
+  for (int type = 0; type < 14; ++type) {
+    EXPECT_EQ(of_type(type).get_display_string(""), texts[type]);
+    EXPECT_EQ(of_type(type).get_display_string("Erstellt"), CString("Erstellt = ") + texts[type]);
+  }
+  const char* const units[] = {"Tag(e)",    "Woche(n)",  "Monat(e)",   "Quartal(e)",
+                               "Stunde(n)", "Minute(n)", "Sekunde(n)", "Jahr(e)"};
+  DateTimeRange range = of_type(6);
+  for (int unit = 0; unit < 8; ++unit) {
+    range.time_unit = static_cast<DateTimeRange::RangeUnit>(unit);
+    EXPECT_EQ(range.get_display_string(""), CString("letzte 5 ") + units[unit]);
+  }
+}
+
+TEST(DateTimeRange_text, line_log_and_xml_follow_no_table_and_no_locale) {
+  const auto forms = [] {
+    std::string all;
+    for (int type = 0; type < 14; ++type)
+      all += std::string(of_type(type).to_string()) + '\n' + std::string(of_type(type).get_log_str()) + '\n' +
+             written(of_type(type)) + '\n';
+    return all;
+  };
+  const std::string english = forms();
+  const test_support::InstalledMessages german(test_support::german_messages());
+  const platform::HeldUserLocale users("de_DE.UTF-8");
+  EXPECT_EQ(forms(), english);
 }
 
 TEST(DateTimeRange_xml, writes_all_five_children_whatever_the_type) {
