@@ -71,6 +71,19 @@ TEST(ScheduleInfo, copies_all_fields_and_itself_without_harm) {
   EXPECT_FALSE(copy == record);
 }
 
+TEST(ScheduleInfo, a_date_that_cannot_be_copied_fails_with_its_code) {
+  ScheduleInfo record = without_dates();
+  record.end_date.vt = 0x0FFF;
+  ScheduleInfo copy = without_dates();
+  try {
+    copy = record;
+    ADD_FAILURE() << "nothing was thrown";
+  } catch (const _com_error& failure) {
+    EXPECT_EQ(failure.Error(), DISP_E_BADVARTYPE);
+  }
+  record.end_date.vt = VT_EMPTY;
+}
+
 TEST(ScheduleInfo, differs_by_each_field) {
   const ScheduleInfo record = without_dates();
   ScheduleInfo other = record;
