@@ -30,6 +30,7 @@ std::vector<Job> all_jobs() {
           parse_schedule_by_regex(),
           parse_schedule_by_hand(),
           parse_range(),
+          parse_fixed_range(),
           parse_range_by_regex(),
           parse_range_by_hand()};
 }

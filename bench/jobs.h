@@ -82,6 +82,7 @@ Job parse_schedule();
 Job parse_schedule_by_regex();
 Job parse_schedule_by_hand();
 Job parse_range();
+Job parse_fixed_range();
 Job parse_range_by_regex();
 Job parse_range_by_hand();
 
