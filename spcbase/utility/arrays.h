@@ -9,7 +9,8 @@
 ///     to_vector(numbers, array.parray);                         // 3
 ///
 /// The integer set is VT_I4, VT_UI4, VT_INT and VT_UINT: four readings of the same 32 bits, which go over as they
-/// stand. Threads: no state; two threads may convert different arrays at the same time.
+/// stand.
+/// Threads: no state; two threads may convert different arrays at the same time.
 #pragma once
 
 #include <vector>
@@ -44,8 +45,7 @@ SPCBASE_API void to_safe_array(COleSafeArray& target, const std::vector<long>& s
 SPCBASE_API void to_safe_array(COleSafeArray& target, const std::vector<int>& source, unsigned short element_type);
 /// VT_UI1. With a count of 0 `source` is not looked at.
 /// Fails: `_com_error` with E_INVALIDARG for a negative count, or no bytes where there should be some; `target` is as
-/// it
-///        was.
+///        it was.
 SPCBASE_API void to_safe_array(COleSafeArray& target, unsigned char* source, int count_bytes);
 /// VT_UI1: the bytes of the holder; none without a block or with a length of 0.
 /// Fails: as `throw_global_lock_error_exception` when the block has no address, `_com_error` with E_INVALIDARG when it
@@ -56,7 +56,8 @@ SPCBASE_API void to_safe_array(COleSafeArray& target, const CLongBinary& source)
 SPCBASE_API void to_variant_safe_array(COleSafeArray& target, const std::vector<_com_ptr_t<IDispatch>>& source);
 /// VT_VARIANT of VT_I4.
 SPCBASE_API void to_variant_safe_array(COleSafeArray& target, const std::vector<int>& source);
-/// VT_VARIANT: a deep copy of each. Fails: also `_com_error` with the result of `VariantCopy`; `target` is then empty.
+/// VT_VARIANT: a deep copy of each.
+/// Fails: also `_com_error` with the result of `VariantCopy`; `target` is then empty.
 SPCBASE_API void to_variant_safe_array(COleSafeArray& target, const std::vector<_variant_t>& source);
 
 /// VT_DISPATCH: each element has a reference of its own.
@@ -67,8 +68,7 @@ SPCBASE_API void to_dispatch_safe_array(COleSafeArray& target, const std::vector
 // Each puts the array's elements into `target` in their order, whatever the lower bound is, and gives their number; an
 // array without elements clears `target`. Checked in this order: the element type, the dimensions, the bounds.
 // Fails: `_com_error` with E_INVALIDARG for another element type or a null array; `DBException` "Invalid argument."
-// when
-//        there is not one dimension; `_com_error` with what the bounds and the access to the data give; with
+//        when there is not one dimension; `_com_error` with what the bounds and the access to the data give; with
 //        E_INVALIDARG for a count above 2,147,483,647 and for elements without data, before memory is asked for.
 //        `target` is as it was. A failure of a single element leaves what was added before it.
 
@@ -85,7 +85,8 @@ SPCBASE_API int to_vector(std::vector<short>& target, SAFEARRAY* source);
 SPCBASE_API int to_vector(std::vector<bool>& target, SAFEARRAY* source);
 /// Of VT_R8.
 SPCBASE_API int to_vector(std::vector<double>& target, SAFEARRAY* source);
-/// Of VT_VARIANT; deep copies. Fails: also `_com_error` with the result of `VariantCopy`.
+/// Of VT_VARIANT; deep copies.
+/// Fails: also `_com_error` with the result of `VariantCopy`.
 SPCBASE_API int to_vector(std::vector<_variant_t>& target, SAFEARRAY* source);
 /// Of VT_UI1.
 SPCBASE_API int to_vector(std::vector<unsigned char>& target, SAFEARRAY* source);
@@ -110,9 +111,9 @@ SPCBASE_API void to_byte_array(unsigned char** target, int& count_bytes, SAFEARR
 /// Kept:  neither the element type nor the number of dimensions is looked at: the number of elements of the first
 ///        dimension is the number of bytes. Failing result codes are thrown as `long`, unlike everywhere else here.
 /// Fails: `DBException` "The array exceeds limit."; `long` with what the bounds and the access give, or with
-/// E_INVALIDARG
-///        for a count that 32 bits cannot hold or a negative one or elements without data; `CMemoryException*`. After a
-///        failure of the access `target` has a block of the array's length, its bytes are undetermined.
+///        E_INVALIDARG for a count that 32 bits cannot hold or a negative one or elements without data;
+///        `CMemoryException*`. After a failure of the access `target` has a block of the array's length, its bytes are
+///        undetermined.
 SPCBASE_API void to_long_bin(CLongBinary& target, SAFEARRAY* source, unsigned int limit_bytes);
 
 // ---- to a stream ----------------------------------------------------------------------------------------------------

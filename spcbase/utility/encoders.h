@@ -24,8 +24,9 @@ SPCBASE_API CString ConvertToASCII(const char* bytes, int count);
 /// Hexadecimal digits as bytes: each two of them, the high one first, are one byte. An odd last character is passed
 /// over.
 /// `length` is the length of the text; a negative one counts up to the first zero byte. `output` must have room for
-/// half of it; no zero is put behind the bytes. Null:   a null text or output does nothing. Kept:   every character but
-/// "0" to "9" and "A" to "F" counts as 0, lower-case letters among them.
+/// half of it; no zero is put behind the bytes.
+/// Null:   a null text or output does nothing.
+/// Kept:   every character but "0" to "9" and "A" to "F" counts as 0, lower-case letters among them.
 SPCBASE_API void ConvertFromASCII(const char* text, int length, char* output);
 
 /// Hides a text: white space (space, tab, line feed, vertical tab, form feed, carriage return) at its right end is cut,

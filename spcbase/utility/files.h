@@ -75,8 +75,10 @@ SPCBASE_API void TextToFile(const CString& text, const CString& path);
 SPCBASE_API CString get_temp_path();
 
 /// Makes an empty file whose name nobody else has, readable by its owner alone: prefix, new identifier and number of
-/// the process, "spc-0d8a6f3e-...-P4711.tmp". It is never one that was there before. Null:    `folder` stands for
-/// `get_temp_path`, `prefix` for "spc". An empty folder is the current one. Owns:    the caller takes the file away.
+/// the process, "spc-0d8a6f3e-...-P4711.tmp". It is never one that was there before. An empty folder is the
+/// current one.
+/// Null:    `folder` stands for `get_temp_path`, `prefix` for "spc".
+/// Owns:    the caller takes the file away.
 /// Kept:    a name of 260 bytes or more is not told: the file is made all the same, and the result is empty.
 /// Fails:   `DBException` "Cannot create temporary file." with 0x80004005; see `get_temp_path` too.
 SPCBASE_API CString get_temp_file(const char* folder, const char* prefix);

@@ -113,7 +113,8 @@ SPCBASE_API CString get_reason_param(const char* command_line);
 
 // Identifiers.
 
-/// "{00020400-0000-0000-C000-000000000046}". Fails: `_com_error` E_OUTOFMEMORY.
+/// "{00020400-0000-0000-C000-000000000046}".
+/// Fails:  `_com_error` E_OUTOFMEMORY.
 SPCBASE_API _bstr_t get_iid_string(const GUID& id);
 
 /// A new identifier, "00020400-0000-4000-8000-000000000046"; empty when it could not be made into a text.

@@ -42,7 +42,7 @@ class SPCBASE_API XMLSerializable {
 
 /// Parses a text. Document type declarations are refused; white space alone between tags is dropped.
 /// Fails: `DBException` with 0x80004005 and the text "Load xml failed:" with the parser's own code, reason, line and
-///        position.
+///        position. So fails also, with the code 1, what takes the parser too long (docs/xml.md).
 SPCBASE_API _com_ptr_t<IXMLDOMDocument> load_xml(const _bstr_t& text);
 
 /// The text of an element: its first child that is a text. An element without children has an empty one.
@@ -50,7 +50,8 @@ SPCBASE_API _com_ptr_t<IXMLDOMDocument> load_xml(const _bstr_t& text);
 /// Fails: `DBException` "XML error." with 0x80004005 when the node is not an element, or has children but no text.
 SPCBASE_API _bstr_t get_elem_value(const _com_ptr_t<IXMLDOMNode>& node);
 
-/// Whether a text is "true", "yes" or "1", in any case of letters. Null: is false.
+/// Whether a text is "true", "yes" or "1", in any case of letters.
+/// Null:  is false.
 SPCBASE_API bool check_bool_value(const char* text);
 
 /// Reads one specification by the child walk: "name" and "value". What has no child keeps what it held.
@@ -59,7 +60,7 @@ SPCBASE_API void get_spec_from_xml(const _com_ptr_t<IXMLDOMElement>& element, CS
 
 /// Merges every "specification" child, found by the child walk, into two parallel vectors. A name that is there
 /// already, from before the call too, keeps its place and takes the new value; any other is appended. Names are
-/// compared with regard to case, and the empty one is a name like any other. Fails: as `get_elem_value`; the
-/// specifications before the failing one stay merged.
+/// compared with regard to case, and the empty one is a name like any other.
+/// Fails: as `get_elem_value`; the specifications before the failing one stay merged.
 SPCBASE_API void get_spec_list_from_xml(const _com_ptr_t<IXMLDOMElement>& element, std::vector<CString>& names,
                                         std::vector<CString>& values);

@@ -74,8 +74,8 @@ struct CRYPT_DATA_BLOB {
 
 /// Acquires a provider by its name, one of the three above.
 /// Null:   the container must be null, since there are none. A null name asks for the user's default, and there is
-/// none. Fails:  NTE_PROV_TYPE_NOT_DEF for a null name, NTE_BAD_PROV_TYPE for a type that is none, NTE_KEYSET_NOT_DEF
-/// for
+///         none.
+/// Fails:  NTE_PROV_TYPE_NOT_DEF for a null name, NTE_BAD_PROV_TYPE for a type that is none, NTE_KEYSET_NOT_DEF for
 ///         another name, NTE_PROV_TYPE_NO_MATCH for another type, NTE_BAD_FLAGS for other flags, NTE_BAD_KEYSET without
 ///         `CRYPT_VERIFYCONTEXT`, NTE_BAD_KEYSET_PARAM for a container, NTE_PROVIDER_DLL_FAIL when the algorithms of
 ///         the provider are not to be had on this machine.
@@ -99,8 +99,8 @@ BOOL CryptDestroyHash(HCRYPTHASH hash) noexcept;
 /// The high 16 bits of `flags` are the length of the key in bits, 0 for the default of the provider; the low ones are
 /// 0. Triple DES takes 168 bits, which are 24 bytes with their parity. RC4 takes 40 to 56 bits in the base provider (40
 /// by default) and 40 to 128 in the others (128), whole bytes only; a key of 40 bits of the base provider gets a salt
-/// of 11 zero bytes, any other key none. The initial vector is zero. Fails:  NTE_BAD_ALGID for an algorithm that the
-/// provider does not have, NTE_BAD_FLAGS for a length that it does not
+/// of 11 zero bytes, any other key none. The initial vector is zero.
+/// Fails:  NTE_BAD_ALGID for an algorithm that the provider does not have, NTE_BAD_FLAGS for a length that it does not
 ///         take and for other flags, NTE_BAD_HASH.
 /// Owns:   the caller releases it with `CryptDestroyKey`.
 /// Source: the remarks of the public documentation of CryptDeriveKey.
@@ -113,8 +113,8 @@ BOOL CryptDestroyKey(HCRYPTKEY key) noexcept;
 ///         buffer is too small.
 BOOL CryptGetKeyParam(HCRYPTKEY key, DWORD parameter, BYTE* data, DWORD* size_bytes, DWORD flags) noexcept;
 /// Sets `KP_IV` of a block cipher or `KP_SALT`, whose lengths `CryptGetKeyParam` tells, or the salt of a stream cipher
-/// by `KP_SALT_EX`, in any length up to 24 bytes that key and salt have together. `flags` is 0. Fails:  NTE_BAD_TYPE
-/// for another parameter, NTE_BAD_FLAGS, NTE_BAD_DATA for a salt that is too long.
+/// by `KP_SALT_EX`, in any length up to 24 bytes that key and salt have together. `flags` is 0.
+/// Fails:  NTE_BAD_TYPE for another parameter, NTE_BAD_FLAGS, NTE_BAD_DATA for a salt that is too long.
 BOOL CryptSetKeyParam(HCRYPTKEY key, DWORD parameter, const BYTE* data, DWORD flags) noexcept;
 
 /// Enciphers a text in place; a block cipher pads it to whole blocks first, so that it grows by 1 to 8 bytes.

@@ -26,7 +26,8 @@ SPCBASE_API BOOL PathIsDirectoryA(const char* path) noexcept;
 /// TRUE when something stands at a path, a folder too; FALSE for null, an empty text, and a link that leads nowhere.
 SPCBASE_API BOOL PathFileExistsA(const char* path) noexcept;
 
-/// The short form of a path that exists. Differs: it is the path itself, since names have only one form here.
+/// The short form of a path that exists.
+/// Differs: it is the path itself, since names have only one form here.
 /// Shape:   `size` is the buffer's size in bytes, zero included; the buffer may be `path` itself.
 /// Returns  the length without the zero; the size needed when the buffer is null or too small, which is not written
 ///          then; 0 with the last error 2 or 3 when nothing stands there, 87 for a null path.

@@ -38,17 +38,20 @@ class narrowing {
   std::size_t at_ = 0;
   bool is_stuck_ = false;
 };
-/// The whole text. Fails: `_com_error` with `code` when reading it gets stuck.
+/// The whole text.
+/// Fails: `_com_error` with `code` when reading it gets stuck.
 std::string to_narrow(std::u16string_view text, HRESULT code);
 /// UTF-8 to UTF-16; an empty text gives an empty string, not null.
 _bstr_t to_wide(std::string_view text);
 
-/// The text as UTF-8. Fails: XML_E_BADCHARDATA when it holds what XML does not have.
+/// The text as UTF-8.
+/// Fails: XML_E_BADCHARDATA when it holds what XML does not have.
 std::string checked_text(const _bstr_t& text);
 /// The same for narrow text; what is not well-formed becomes U+FFFD. `buffer` holds the result when it had to change.
 std::string_view checked_text(std::string_view text, std::string& buffer);
 
-/// The name as UTF-8. Fails: E_FAIL when it is empty, XML_E_BADSTARTNAMECHAR, XML_E_BADNAMECHAR.
+/// The name as UTF-8.
+/// Fails: E_FAIL when it is empty, XML_E_BADSTARTNAMECHAR, XML_E_BADNAMECHAR.
 std::string checked_name(const _bstr_t& name);
 /// The same for a narrow name.
 void check_name(std::string_view name);

@@ -18,7 +18,8 @@
 /// Differs: a document type declaration is always refused, so there are no entities but the five of XML itself.
 ///          Nothing outside the text is ever read. White space alone is dropped between tags unless xml:space says
 ///          "preserve"; written as a character reference, or in a CDATA section, it stays. Characters and names that
-///          XML does not have are refused when they are set, so that whatever is written can be loaded again.
+///          XML does not have are refused when they are set, so that whatever is written can be loaded again,
+///          up to the limits of `loadXML`.
 #pragma once
 
 #include "spcbase/platform/automation/bstr_t.h"
@@ -74,8 +75,9 @@ struct IXMLDOMNode : IDispatch {
   ///        here, when it is this node or holds it, or when the document would get a second root.
   virtual IXMLDOMNodePtr appendChild(IXMLDOMNode* child) = 0;
   /// Replaces all children of an element by one text, or by nothing when it is empty. The text of any other node
-  /// becomes this one. Fails: XML_E_BADCHARDATA for characters that XML does not have and for "--", "?>" and "]]>"
-  /// where they would end the node; E_FAIL for the document.
+  /// becomes this one.
+  /// Fails: XML_E_BADCHARDATA for characters that XML does not have and for "--", "?>" and "]]>" where they would end
+  ///        the node; E_FAIL for the document.
   virtual void Puttext(const _bstr_t& text) = 0;
 
  protected:
@@ -127,21 +129,25 @@ struct IXMLDOMDocument : IXMLDOMNode {
   /// There is nothing to validate against, since document types are refused; both values mean the same.
   virtual void PutvalidateOnParse(VARIANT_BOOL validates) = 0;
   /// Replaces the content by a parsed text. An encoding that the text declares has no meaning and is passed over.
-  /// Returns VARIANT_FALSE for a text that is no XML, or longer than 500 million characters: the document is empty
-  /// then, and `GetparseError` tells why. Never fails by what the text holds.
+  /// Returns VARIANT_FALSE for a text that is no XML, or longer than 500 million characters, or that the parser would
+  /// take the square of its length for: an element of more than 4,000 attributes or namespace declarations, those
+  /// around it among them, more than 100,000 different names. The document is empty then, and `GetparseError` tells
+  /// why. Never fails by what the text holds.
   virtual VARIANT_BOOL loadXML(const _bstr_t& text) = 0;
   virtual IXMLDOMParseErrorPtr GetparseError() = 0;
   /// The root, null when there is none.
   virtual IXMLDOMElementPtr GetdocumentElement() = 0;
-  /// Puts a root in the place of the present one, or behind what there is. Fails: E_INVALIDARG for null or an object
-  /// that is not of this model.
+  /// Puts a root in the place of the present one, or behind what there is.
+  /// Fails: E_INVALIDARG for null or an object that is not of this model.
   virtual void PutrefdocumentElement(IXMLDOMElement* root) = 0;
-  /// A new element that stands nowhere yet. Fails: E_FAIL for an empty name and one with the prefix "xmlns",
-  /// XML_E_BADSTARTNAMECHAR or XML_E_BADNAMECHAR for other unusable names.
+  /// A new element that stands nowhere yet.
+  /// Fails: E_FAIL for an empty name and one with the prefix "xmlns", XML_E_BADSTARTNAMECHAR or XML_E_BADNAMECHAR for
+  ///        other unusable names.
   virtual IXMLDOMElementPtr createElement(const _bstr_t& name) = 0;
   /// The document as text: each node of the document itself ends in a carriage return and a line feed, no white space
   /// is added elsewhere. A declaration stands there when the text that was loaded had one, without its encoding. Empty
-  /// for an empty document. Fails: E_FAIL when a name has a prefix that nothing declares where it stands now.
+  /// for an empty document.
+  /// Fails: E_FAIL when a name has a prefix that nothing declares where it stands now.
   virtual _bstr_t Getxml() = 0;
 
  protected:
@@ -150,7 +156,8 @@ struct IXMLDOMDocument : IXMLDOMNode {
 
 /// A document with properties by name.
 struct IXMLDOMDocument2 : IXMLDOMDocument {
-  /// "ProhibitDTD" may be set to true, which it always is. Fails: E_INVALIDARG for other names and for false.
+  /// "ProhibitDTD" may be set to true, which it always is.
+  /// Fails: E_INVALIDARG for other names and for false.
   virtual void setProperty(const _bstr_t& name, const _variant_t& value) = 0;
 
  protected:

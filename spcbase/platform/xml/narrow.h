@@ -2,8 +2,8 @@
 ///
 /// Part of the platform layer (xml).
 /// Fails: as the operations of dom.h, and E_NOINTERFACE for an object that is not of this model. A text that is not
-/// well-formed UTF-8 has U+FFFD in the place of what is not, as
-///        everywhere on the way to a BSTR; a zero is refused with XML_E_BADCHARDATA.
+///        well-formed UTF-8 has U+FFFD in the place of what is not, as everywhere on the way to a BSTR; a zero is
+///        refused with XML_E_BADCHARDATA.
 #pragma once
 
 #include <optional>

@@ -24,7 +24,8 @@ inline HRESULT from_bounds(SAFEARRAY* array, std::int64_t& count) noexcept {
   return result;
 }
 
-/// The number as the `int` that callers are given. Fails: `_com_error` with E_INVALIDARG when it is none.
+/// The number as the `int` that callers are given.
+/// Fails: `_com_error` with E_INVALIDARG when it is none.
 inline int as_int(std::int64_t count) {
   if (count < std::numeric_limits<int>::min() || count > std::numeric_limits<int>::max())
     _com_issue_error(E_INVALIDARG);
