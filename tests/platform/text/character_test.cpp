@@ -10,16 +10,10 @@
 #include <cctype>
 #include <string>
 
+#include "tests/support/hex_bytes.h"
 #include "tests/support/vector_file.h"
 
 namespace {
-
-std::string bytes_of_hex(const std::string& hex) {
-  std::string bytes;
-  for (std::size_t i = 0; i + 1 < hex.size(); i += 2)
-    bytes += static_cast<char>(std::stoi(hex.substr(i, 2), nullptr, 16));
-  return bytes;
-}
 
 unsigned int number_at(const char* text) { return _mbsnextc(reinterpret_cast<const unsigned char*>(text)); }
 
@@ -30,7 +24,7 @@ TEST(Characters, recorded_steps_and_classes_hold) {
     if (row.is_suspect()) continue;
     SCOPED_TRACE(row.place());
     if (row["class"] == "charnext") {
-      const std::string text = bytes_of_hex(row["input"]);
+      const std::string text = test_support::bytes_of_hex(row["input"]);
       EXPECT_EQ(std::to_string(CharNextA(text.c_str()) - text.c_str()), row["result"]);
       ++steps;
     } else if (row["class"] == "mbclass") {
