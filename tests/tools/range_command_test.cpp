@@ -224,6 +224,9 @@ TEST(RangeCommand, refuses_wrong_options) {
       {"spc: cannot read the command line: --at: \"2023-02-29\" is not a moment\n"
        "     Moments are local time, written 2024-03-05 or 2024-03-05 08:30:00.\n",
        {"range", "today", "--at", "2023-02-29"}},
+      {"spc: cannot read the command line: --at: \"\" is not a moment, such as 2024-03-05 or 2024-03-05 08:30:00\n"
+       "     spc --help tells what there is.\n",
+       {"range", "today", "--at", ""}},
       {"spc: cannot read the command line: --xml prints XML, --json JSON\n     Give one of them.\n",
        {"range", "today", "--xml", "--json"}},
       {"spc: cannot read the command line: LINE is required\n     spc --help tells what there is.\n", {"range"}}};

@@ -1,11 +1,17 @@
 // The grammar of the tasks on ranges and schedules.
+#include "tools/spc/moments.h"
 #include "tools/spc/request.h"
 
 namespace spc {
 namespace {
 
+/// An empty moment, as of a variable that was never set, is not the same as none.
+std::string problem_of_moment(const std::string& text) {
+  return text.empty() ? std::string("\"\" is not a moment, such as ") + moment_example : std::string();
+}
+
 CLI::Option* add_moment(CLI::App& command, const char* name, std::string& moment, const char* help) {
-  return command.add_option(name, moment, help)->type_name("MOMENT");
+  return command.add_option(name, moment, help)->type_name("MOMENT")->check(problem_of_moment);
 }
 
 void add_range(CLI::App& app, Request& request) {
