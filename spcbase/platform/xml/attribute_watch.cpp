@@ -1,19 +1,38 @@
 #include "spcbase/platform/xml/attribute_watch.h"
 
+#include <algorithm>
+
 namespace xml_model {
 
 bool attribute_watch::take(std::string_view piece) noexcept {
   while (!piece.empty() && !has_too_many()) {
-    // Most of a text is no markup, and most of a value no quote.
-    if (place_ == place::text || place_ == place::value) {
-      const std::size_t end = piece.find(place_ == place::text ? '<' : quote_);
-      if (end == std::string_view::npos) break;
-      piece.remove_prefix(end);
-    }
-    step(piece.front());
-    piece.remove_prefix(1);
+    const std::size_t passed = length_of_no_account(piece);
+    if (passed == piece.size()) break;
+    step(piece[passed]);
+    piece.remove_prefix(passed + 1);
   }
   return !has_too_many();
+}
+
+std::size_t attribute_watch::length_of_no_account(std::string_view piece) const noexcept {
+  const auto until = [piece](auto counts) {
+    std::size_t i = 0;
+    while (i < piece.size() && !counts(piece[i]))
+      ++i;
+    return i;
+  };
+  switch (place_) {
+    case place::text:
+      return std::min(piece.find('<'), piece.size());
+    case place::value:
+      return std::min(piece.find(quote_), piece.size());
+    case place::start_tag:
+      return until([](char c) { return c == '>' || c == '"' || c == '\''; });
+    case place::end_tag:
+      return until([](char c) { return c == '>'; });
+    default:
+      return 0;
+  }
 }
 
 void attribute_watch::step(char c) noexcept {
@@ -29,7 +48,7 @@ void attribute_watch::step(char c) noexcept {
       place_ = place::start_tag;
       return;
     case place::end_tag:
-      if (c == '>') place_ = place::text;
+      place_ = place::text;
       return;
     case place::marked:
       // What is neither is a document type, at which the parser stops.
@@ -54,9 +73,8 @@ void attribute_watch::open(char c) noexcept {
 }
 
 void attribute_watch::step_in_start_tag(char c) noexcept {
-  if (c == '>') place_ = place::text;
-  if (c != '"' && c != '\'') return;
-  place_ = place::value;
+  place_ = c == '>' ? place::text : place::value;
+  if (place_ == place::text) return;
   quote_ = c;
   ++count_;
 }

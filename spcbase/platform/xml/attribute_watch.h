@@ -22,6 +22,9 @@ class attribute_watch {
  private:
   enum class place { text, opened, start_tag, value, end_tag, marked, comment_opened, comment, section, instruction };
 
+  /// How many of the next bytes change nothing.
+  std::size_t length_of_no_account(std::string_view piece) const noexcept;
+  /// Takes a byte of account.
   void step(char c) noexcept;
   void open(char c) noexcept;
   void step_in_start_tag(char c) noexcept;
