@@ -20,18 +20,16 @@ namespace reference_engine {
 /// thread.
 ///
 /// - `GetNextRunningNumber` knows the 27 running-number tables; E_INVALIDARG for any other name. A table without its
-/// row
-///   is a failure.
+///   row is a failure.
 /// - `SetLabelValue` stores one value in CSLDAT, in the place of an earlier one; characteristic and piece of 0 are
-/// null.
+///   null.
 /// - `GetCharacteristicFlags` gives CFLG1, CFLG2 and CFLG3 of CSCHRT, 0 for null; three times 0 for an id that is no
 ///   characteristic, since labels are asked about too.
 /// - `GetSubgroupSize` gives SGSIZE of CSCHRT, 0 for null; E_INVALIDARG when there is no such characteristic.
 ///
 /// Fails: a method gives a failing code and publishes an error object that says what happened; a refusal of the
-/// database
-///        stands in it with its diagnostics, so that `guarded` tells a deadlock or a lost link from the rest. E_POINTER
-///        for a null out argument.
+///        database stands in it with its diagnostics, so that `guarded` tells a deadlock or a lost link from the rest.
+///        E_POINTER for a null out argument.
 SPCLib::IQsmSPCPtr make(CDatabase& db);
 
 }  // namespace reference_engine
