@@ -48,8 +48,7 @@ class Settled {
 TEST(Rows, texts_load_or_fail_as_recorded) {
   Settled settled(Settled::Answers{
       // Namespaces in XML 1.0: a prefix must be declared, a name has at most one colon with something on both sides,
-      // and
-      // a prefix cannot be undeclared. The platform's documents have an error text for the first.
+      // and a prefix cannot be undeclared. The platform's documents have an error text for the first.
       {"<a:b/>", "0"},
       {"<a:/>", "0"},
       {"<a:b:c xmlns:a='u'/>", "0"},
