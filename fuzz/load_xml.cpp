@@ -6,6 +6,7 @@
 #include <cstdlib>
 #include <cstring>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "spcbase/utility/xml.h"
@@ -22,7 +23,12 @@ IXMLDOMDocumentPtr loaded(const Text& text) {
   try {
     return load_xml(text);
   } catch (const DBException& e) {
-    expect(e.what().Find("Load xml failed:\n\nerror code: ") == 0 && e.what().Find("\nreason: \n") == -1);
+    // The parser's words quote the text, so only the first reason is the message's.
+    constexpr std::string_view label = "\nreason: ";
+    const std::string_view told = e.what().view();
+    const std::size_t reason = told.find(label);
+    expect(told.starts_with("Load xml failed:\n\nerror code: ") && reason != told.npos);
+    expect(!told.substr(reason + label.size()).starts_with('\n'));
     return nullptr;
   }
 }
