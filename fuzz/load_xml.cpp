@@ -25,7 +25,8 @@ IXMLDOMDocumentPtr loaded(const Text& text) {
   } catch (const DBException& e) {
     // The parser's words quote the text, so only the first reason is the message's.
     constexpr std::string_view label = "\nreason: ";
-    const std::string_view told = e.what().view();
+    const CString message = e.what();
+    const std::string_view told = message.view();
     const std::size_t reason = told.find(label);
     expect(told.starts_with("Load xml failed:\n\nerror code: ") && reason != told.npos);
     expect(!told.substr(reason + label.size()).starts_with('\n'));
