@@ -178,10 +178,10 @@ Job job(const char* name, Pair (*pair)(), double limit) {
 
 Job parse_schedule() { return job("parse a schedule", only<OurSchedule>, 1.0); }
 Job parse_schedule_by_regex() { return job("schedule beside std::regex", pair_of<OurSchedule, RegexSchedule>, 1.0); }
-Job parse_schedule_by_hand() { return job("schedule beside a hand-split", pair_of<OurSchedule, SplitSchedule>, 10.0); }
+Job parse_schedule_by_hand() { return job("schedule beside a hand-split", pair_of<OurSchedule, SplitSchedule>, 20.0); }
 Job parse_range() { return job("parse a range line", only<OurRange>, 1.0); }
 Job parse_fixed_range() { return job("parse a fixed range line", only<OurFixedRange>, 1.0); }
 Job parse_range_by_regex() { return job("range line beside std::regex", pair_of<OurRange, RegexRange>, 1.0); }
-Job parse_range_by_hand() { return job("range line beside a hand-split", pair_of<OurRange, SplitRange>, 10.0); }
+Job parse_range_by_hand() { return job("range line beside a hand-split", pair_of<OurRange, SplitRange>, 20.0); }
 
 }  // namespace bench
