@@ -93,8 +93,7 @@ class _com_ptr_t : public automation_detail::counted_pointer<T> {
   /// The same object by its interface T; null when `other` is null or the object does not have it.
   /// Fails: throws `_com_error` with any other code that the object answers.
   template <class Other>
-    requires(!std::is_same_v<Other, T>)
-  _com_ptr_t(const _com_ptr_t<Other>& other) {
+  requires(!std::is_same_v<Other, T>) _com_ptr_t(const _com_ptr_t<Other>& other) {
     HRESULT result = S_OK;
     if (other.GetInterfacePtr() == nullptr) return;
     base::Attach(automation_detail::query<T>(other.GetInterfacePtr(), result));
