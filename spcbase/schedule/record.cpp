@@ -54,7 +54,7 @@ bool ScheduleInfo::operator==(const ScheduleInfo& other) const {
 }
 
 IXMLDOMElementPtr ScheduleInfo::get_xml(int /*version*/, IXMLDOMDocumentPtr& document) const {
-  const IXMLDOMElementPtr element = document->createElement("schedule_info");
+  IXMLDOMElementPtr element = document->createElement("schedule_info");
   element->appendChild(make_text_element(document, "schedule_string", schedule_string));
   element->appendChild(make_text_element(document, "start_date", date_text(start_date)));
   element->appendChild(make_text_element(document, "end_date", date_text(end_date)));

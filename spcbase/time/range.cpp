@@ -59,7 +59,7 @@ CString DateTimeRange::get_log_str() const {
 }
 
 IXMLDOMElementPtr DateTimeRange::get_xml(IXMLDOMDocumentPtr& document, const CString& tag) const {
-  const IXMLDOMElementPtr element = document->createElement(tag.GetString());
+  IXMLDOMElementPtr element = document->createElement(tag.GetString());
   element->appendChild(make_text_element(document, "type", get_range_type_eng_str(type)));
   element->appendChild(make_int_element(document, "count", count));
   element->appendChild(make_text_element(document, "time_unit", get_unit_eng_str(time_unit)));

@@ -1,6 +1,7 @@
 // Paths as texts.
 #include <string>
 #include <string_view>
+#include <utility>
 
 #include "spcbase/tree/path.h"
 #include "spcbase/utility/text.h"
@@ -120,10 +121,12 @@ int split_path(const char* path, std::vector<CString>& names) {
 }
 
 bool split_name_and_ext(const CString& text, CString& name, CString& extension) {
-  const CString whole = text;  // either argument may be the text itself
-  const int dot = whole.ReverseFind('.');
-  name = dot < 0 ? whole : whole.Left(dot);
-  extension = dot < 0 ? CString() : whole.Mid(dot + 1);
+  // Either argument may be the text itself.
+  const int dot = text.ReverseFind('.');
+  CString before = dot < 0 ? text : text.Left(dot);
+  CString behind = dot < 0 ? CString() : text.Mid(dot + 1);
+  name = std::move(before);
+  extension = std::move(behind);
   return !name.IsEmpty();
 }
 
