@@ -15,6 +15,15 @@ if(SPCBASE_SANITIZE)
     $<$<CXX_COMPILER_ID:GNU>:-Wno-maybe-uninitialized>)
   target_link_options(spcbase_sanitizers INTERFACE -fsanitize=address,undefined)
 endif()
+
+# Test code itself is not looked at for undefined behaviour: that would cost half of its building.
+add_library(spcbase_test_sanitizers INTERFACE)
+if(SPCBASE_SANITIZE)
+  target_compile_options(spcbase_test_sanitizers INTERFACE
+    -fsanitize=address -fno-omit-frame-pointer $<$<CXX_COMPILER_ID:GNU>:-Wno-maybe-uninitialized>)
+  target_link_options(spcbase_test_sanitizers INTERFACE -fsanitize=address,undefined)
+endif()
+
 if(SPCBASE_FUZZ)
   target_compile_options(spcbase_sanitizers INTERFACE -fsanitize=fuzzer-no-link)
 endif()
