@@ -6,7 +6,6 @@
 namespace schd {
 namespace {
 
-constexpr LCID user_locale = 0x400;
 constexpr int all_months = 0x1FFE;
 
 /// A message with its values put in.
@@ -19,11 +18,11 @@ CString told(UINT id, Values... values) {
 }
 
 CString time_of_day(int hour, int minute) {
-  return COleDateTime(1899, 12, 30, hour, minute, 0).Format(VAR_TIMEVALUEONLY, user_locale);
+  return COleDateTime(1899, 12, 30, hour, minute, 0).Format(VAR_TIMEVALUEONLY);
 }
 
 CString date_text(const _variant_t& value) {
-  return value.vt == VT_EMPTY ? CString() : to_ole_datetime(value).Format(VAR_DATEVALUEONLY, user_locale);
+  return value.vt == VT_EMPTY ? CString() : to_ole_datetime(value).Format(VAR_DATEVALUEONLY);
 }
 
 UINT unit_word(int unit) {

@@ -18,13 +18,14 @@ using range_words::units;
 constexpr LCID user_locale = 0x400;
 constexpr LCID american_english = 0x409;
 
-/// A message or log word with what it takes put in.
-CString filled(const DateTimeRange& range, const CString& format, LCID locale, const CString& unit) {
+/// A message or log word with what it takes put in; `unit` gives the word of the unit where that is wanted.
+template <class Unit>
+CString filled(const DateTimeRange& range, const CString& format, LCID locale, Unit unit) {
   CString text = format;
   if (range.type == DateTimeRange::fixed_range)
     text.Format(format, range.from.Format(0, locale).GetString(), range.to.Format(0, locale).GetString());
   else if (range.type == DateTimeRange::last_units)
-    text.Format(format, range.count, unit.GetString());
+    text.Format(format, range.count, unit().GetString());
   return text;
 }
 
@@ -47,15 +48,17 @@ void DateTimeRange::copy_object(const DateTimeRange& other) {
 CString DateTimeRange::get_display_string(const CString& name) const {
   const auto* choice = row_of(choices, type);
   if (!choice) return {};
-  const auto* unit = row_of(units, time_unit);
-  const CString text =
-      filled(*this, load_message(choice->message), user_locale, load_message(unit ? unit->message : 0));
+  const CString text = filled(*this, load_message(choice->message), user_locale, [this] {
+    const auto* unit = row_of(units, time_unit);
+    return load_message(unit ? unit->message : 0);
+  });
   return name.IsEmpty() ? text : name + " = " + text;
 }
 
 CString DateTimeRange::get_log_str() const {
   const auto* choice = row_of(choices, type);
-  return choice ? filled(*this, choice->log, american_english, get_unit_eng_str(time_unit)) : CString();
+  if (!choice) return {};
+  return filled(*this, choice->log, american_english, [this] { return get_unit_eng_str(time_unit); });
 }
 
 IXMLDOMElementPtr DateTimeRange::get_xml(IXMLDOMDocumentPtr& document, const CString& tag) const {

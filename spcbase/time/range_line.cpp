@@ -40,7 +40,7 @@ bool is_unit(std::string_view word, std::string_view unit) {
 bool read_moment(std::string_view word, COleDateTime& moment) {
   CString text(word);
   text.Replace('#', ' ');
-  return !word.empty() && moment.ParseDateTime(text, 0, 0x400);
+  return !word.empty() && moment.ParseDateTime(text);
 }
 
 }  // namespace

@@ -50,7 +50,7 @@ inline std::map<UINT, CString> german_messages() {
       {msg::starting, "beginnend am %s"},
       {msg::and_ending, " und endend am %s"},
       {msg::days, "Tag(e)"},
-      {msg::schedule_year, "Jahr(e)"},
+      {msg::year, "Jahr(e)"},
       {msg::unit_day, "Tag"},
       {msg::unit_week, "Woche"},
       {msg::unit_month, "Monat"},

@@ -49,7 +49,7 @@ inline constexpr std::array<Unit, 8> units = {{
     {"hour", msg::hour},
     {"minute", msg::minute},
     {"second", msg::second},
-    {"year", msg::schedule_year},
+    {"year", msg::year},
 }};
 
 /// The row of a value, null outside the table.
