@@ -1,10 +1,18 @@
 /// Everything that the library offers its hosts. The types of the platform come along with what uses them.
 #pragma once
 
+#include "spcbase/companion/adonet_support.h"
+#include "spcbase/companion/connect_string.h"
 #include "spcbase/companion/engine.h"
+#include "spcbase/companion/oledb_connection.h"
+#include "spcbase/companion/syntax_info.h"
 #include "spcbase/companion/table_helpers.h"
 #include "spcbase/dataentry/profile.h"
 #include "spcbase/dataentry/sample.h"
+#include "spcbase/datasource/definition.h"
+#include "spcbase/datasource/sql_builder.h"
+#include "spcbase/datasource/stored.h"
+#include "spcbase/foundation/access_predicate.h"
 #include "spcbase/foundation/blob.h"
 #include "spcbase/foundation/connection.h"
 #include "spcbase/foundation/failure.h"

@@ -1,5 +1,5 @@
-/// Access control lists: who may use an object, what changed from one list to the next, and the conditions that cut a
-/// list of objects down to what one user may see.
+/// Access control lists: who may use an object, and what changed from one list to the next. The conditions that cut a
+/// list of objects down to what one user may see come along (foundation/access_predicate.h).
 ///
 /// Part of the object tree. Storing a list is for the module that owns the object; it derives from `ACLMngr`.
 ///
@@ -9,6 +9,7 @@
 
 #include <vector>
 
+#include "spcbase/foundation/access_predicate.h"
 #include "spcbase/platform/system/export.h"
 #include "spcbase/platform/text/cstring.h"
 
@@ -50,8 +51,7 @@ class SPCBASE_API ACLMngr {
 
   /// Reports what differs, for the audit log: first what is gone or changed, in the order of `saved`, then what is new,
   /// in the order of `current`. `context` is passed on as it is. Fails: `DBException` "Invalid argument." unless both
-  /// lists are there. What an operation throws passes, and the rest
-  ///        is not reported.
+  /// lists are there. What an operation throws passes, and the rest is not reported.
   void log(void* context);
 
  protected:
@@ -75,20 +75,3 @@ class SPCBASE_API ACLMngr {
   virtual void log_item_changed(void* context, int object_id, const CString& object_name, int id, bool kind,
                                 const CString& item_name, bool right) = 0;
 };
-
-/// Conditions of SQL for what a user may see: an object that lists the user, or a group of the user's. To be filled by
-/// `CString::Format` with the id's column, the user, the column and the user again; they bring their own brackets. A
-/// user of 0 sees everything, without a condition.
-namespace access_predicate {
-
-/// Of data sources.
-inline constexpr const char* data_sources =
-    "((%s IN (SELECT EXDBID FROM CSUINEDB WHERE USERID = %d)) OR (%s IN (SELECT EXDBID FROM CSGINEDB WHERE GROUPID IN "
-    "(SELECT GROUPID FROM CSUSGP WHERE USERID = %d))))";
-
-/// Of profiles.
-inline constexpr const char* profiles =
-    "((%s IN (SELECT PROFID FROM CSUINP WHERE USERID = %d)) OR (%s IN (SELECT PROFID FROM CSGINP WHERE GROUPID IN "
-    "(SELECT GROUPID FROM CSUSGP WHERE USERID = %d))))";
-
-}  // namespace access_predicate

@@ -38,7 +38,7 @@ SPCBASE_API void extract_revision(const char* text, CString& name, int& revision
 
 /// Parts a path into folder and name at its last single separator. The folder of a name in the root is the separator.
 /// `undouble_folder` and `undouble_name` make each doubled separator of that part a single one; `with_revision` cuts
-/// the revision word off the name into `*revision`, which may be null. Returns  false for an empty text and one without
+/// the revision word off the name into `*revision`, which may be null. Returns false for an empty text and one without
 /// a single separator; the arguments are untouched then.
 SPCBASE_API bool analyse_path(const char* path, CString& folder, CString& name, bool undouble_folder,
                               bool undouble_name, bool with_revision, int* revision);
@@ -56,10 +56,9 @@ SPCBASE_API int extract_paths(const char* text, std::vector<CString>& paths);
 
 /// The path of a folder, "/a/b" or with `forward_slashes` false "\a\b"; that of the root is the separator alone.
 /// Separators within names are doubled, and what `fix_spc_name` takes out of a name is left out. Hidden folders are
-/// named too. Returns  an empty text when a folder on the way has no row, when the way leads in a circle, or when the
-/// recordset does
-///          not open.
-/// Fails:   CDBException* for a database error.
+/// named too.
+/// Returns an empty text when a folder on the way has no row, when the way leads in a circle, or when the recordset
+/// does not open. Fails:   CDBException* for a database error.
 SPCBASE_API CString get_node_path(CDatabase* database, int node, bool forward_slashes);
 
 /// The id of the monitor, or of the profile, at a path of at least one folder and its own name; 0 when there is none.
