@@ -50,6 +50,43 @@ Known add_user(Builder& builder, const std::string& name, const std::string& ful
   return {builder.add_user(name, full_name), name};
 }
 
+Known add_folder(Builder& builder, const std::string& name, int parent) {
+  return {builder.add_folder(name, parent), name};
+}
+
+Known add_monitor(Builder& builder, const std::string& name, const std::string& description, int folder) {
+  const Known monitor = {builder.add_monitor(name, description), name};
+  builder.put_monitor(folder, monitor.id);
+  return monitor;
+}
+
+void add_tree(Builder& builder, DemoPlant& plant) {
+  const int top = builder.add_folder("Plant", 0);
+  const int forge = builder.add_folder("Forge", top);
+  plant.line_1 = add_folder(builder, "Line 1", forge);
+  const int line_2 = builder.add_folder("Line 2", forge);
+  // The separator within a name, as people write it.
+  plant.filling_folder = add_folder(builder, "Filling / packing", top);
+  plant.electronics = add_folder(builder, "Electronics", top);
+  plant.ring_diameter = add_monitor(builder, "Ring diameter", "diameter of piston rings", plant.line_1.id);
+  plant.press_force = add_monitor(builder, "Press force", "force of press 2", line_2);
+  plant.leaking_cans = add_monitor(builder, "Leaking cans", "juice cans that leak", plant.filling_folder.id);
+  plant.board_defects = add_monitor(builder, "Board defects", "defects of circuit boards", plant.electronics.id);
+  builder.put_profile(plant.line_1.id, plant.piston_rings.id);
+  builder.put_profile(plant.filling_folder.id, plant.juice_cans.id);
+  builder.put_profile(plant.electronics.id, plant.circuit_boards.id);
+}
+
+void add_viewers(Builder& builder, DemoPlant& plant) {
+  plant.filling_group = builder.add_group();
+  builder.add_member(plant.filling_group, plant.bo.id);
+  builder.add_member(plant.filling_group, plant.chloe.id);
+  builder.show_profile(plant.piston_rings.id, user(plant.anna.id));
+  builder.show_profile(plant.juice_cans.id, group(plant.filling_group));
+  builder.show_profile(plant.circuit_boards.id, user(plant.anna.id));
+  builder.show_profile(plant.circuit_boards.id, group(plant.filling_group));
+}
+
 }  // namespace
 
 DemoPlant build_demo_plant(CDatabase& db) {
@@ -67,6 +104,8 @@ DemoPlant build_demo_plant(CDatabase& db) {
   plant.piston_rings = add_piston_rings(builder, shared);
   plant.juice_cans = add_juice_cans(builder, shared);
   plant.circuit_boards = add_circuit_boards(builder, shared);
+  add_tree(builder, plant);
+  add_viewers(builder, plant);
   plant.rows = builder.rows();
   return plant;
 }

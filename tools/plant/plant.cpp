@@ -98,6 +98,86 @@ class LabelEntryRow : public TableRecordset<LabelEntryRow> {
       coltab::field("[SEQNO]", &LabelEntryRow::seqno), coltab::field("[ALFLG]", &LabelEntryRow::alflg, 255));
 };
 
+class MonitorRow : public TableRecordset<MonitorRow> {
+ public:
+  using TableRecordset::TableRecordset;
+  long monid = 0;
+  CString name;
+  CString descr;
+  static constexpr const char* source = "[CSMON]";
+  static constexpr auto columns =
+      coltab::table(coltab::key("[MONID]", &MonitorRow::monid), coltab::field("[NAME]", &MonitorRow::name, 255),
+                    coltab::field("[DESCR]", &MonitorRow::descr, 255));
+};
+
+class FolderRow : public TableRecordset<FolderRow> {
+ public:
+  using TableRecordset::TableRecordset;
+  long nodeid = 0;
+  CString name;
+  long pnode = 0;
+  static constexpr const char* source = "[CSNODE]";
+  static constexpr auto columns =
+      coltab::table(coltab::key("[NODEID]", &FolderRow::nodeid), coltab::field("[NAME]", &FolderRow::name, 255),
+                    coltab::field("[PNODE]", &FolderRow::pnode));
+};
+
+class GroupRow : public TableRecordset<GroupRow> {
+ public:
+  using TableRecordset::TableRecordset;
+  long groupid = 0;
+  static constexpr const char* source = "[CSGROUP]";
+  static constexpr auto columns = coltab::table(coltab::key("[GROUPID]", &GroupRow::groupid));
+};
+
+/// A row that says which two belong together.
+template <class Names>
+class LinkRow : public TableRecordset<LinkRow<Names>> {
+ public:
+  using TableRecordset<LinkRow<Names>>::TableRecordset;
+  long first = 0;
+  long second = 0;
+  static constexpr const char* source = Names::table;
+  static constexpr auto columns =
+      coltab::table(coltab::key(Names::first, &LinkRow::first), coltab::key(Names::second, &LinkRow::second));
+};
+
+struct MonitorInFolder {
+  static constexpr const char* table = "[CSMINN]";
+  static constexpr const char* first = "[NODEID]";
+  static constexpr const char* second = "[MONID]";
+};
+struct ProfileInFolder {
+  static constexpr const char* table = "[CSPINN]";
+  static constexpr const char* first = "[NODEID]";
+  static constexpr const char* second = "[PROFID]";
+};
+struct UserInGroup {
+  static constexpr const char* table = "[CSUSGP]";
+  static constexpr const char* first = "[GROUPID]";
+  static constexpr const char* second = "[USERID]";
+};
+struct UserOfProfile {
+  static constexpr const char* table = "[CSUINP]";
+  static constexpr const char* first = "[PROFID]";
+  static constexpr const char* second = "[USERID]";
+};
+struct GroupOfProfile {
+  static constexpr const char* table = "[CSGINP]";
+  static constexpr const char* first = "[PROFID]";
+  static constexpr const char* second = "[GROUPID]";
+};
+struct UserOfSource {
+  static constexpr const char* table = "[CSUINEDB]";
+  static constexpr const char* first = "[EXDBID]";
+  static constexpr const char* second = "[USERID]";
+};
+struct GroupOfSource {
+  static constexpr const char* table = "[CSGINEDB]";
+  static constexpr const char* first = "[EXDBID]";
+  static constexpr const char* second = "[GROUPID]";
+};
+
 /// Adds one row, which `fill` sets the fields of.
 template <class Row, class Fill>
 void add(CDatabase& db, Fill fill) {
@@ -184,6 +264,55 @@ int Builder::add_label(const Label& made) {
     row.listtype = list_type(made.values);
   });
   return id;
+}
+
+int Builder::add_monitor(const std::string& name, const std::string& description) {
+  const int id = next(u"CSMNRN");
+  add<MonitorRow>(db_, [&](MonitorRow& row) {
+    row.monid = id;
+    row.name = name;
+    row.descr = description;
+  });
+  return id;
+}
+
+int Builder::add_group() {
+  const int id = next(u"CSGPRN");
+  add<GroupRow>(db_, [&](GroupRow& row) { row.groupid = id; });
+  return id;
+}
+
+int Builder::add_folder(const std::string& name, int parent) {
+  const int id = next(u"CSNDRN");
+  add<FolderRow>(db_, [&](FolderRow& row) {
+    row.nodeid = id;
+    row.name = name;
+    row.pnode = parent;
+    row.SetFieldDirty(&row.pnode);
+    row.SetFieldNull(&row.pnode, FALSE);
+  });
+  return id;
+}
+
+template <class Names>
+void Builder::link(int first, int second) {
+  add<LinkRow<Names>>(db_, [&](LinkRow<Names>& row) {
+    row.first = first;
+    row.second = second;
+  });
+  ++rows_;
+}
+
+void Builder::put_monitor(int folder, int monitor) { link<MonitorInFolder>(folder, monitor); }
+void Builder::put_profile(int folder, int profile) { link<ProfileInFolder>(folder, profile); }
+void Builder::add_member(int group, int user) { link<UserInGroup>(group, user); }
+
+void Builder::show_profile(int profile, const Viewer& viewer) {
+  viewer.is_group ? link<GroupOfProfile>(profile, viewer.id) : link<UserOfProfile>(profile, viewer.id);
+}
+
+void Builder::show_data_source(int source, const Viewer& viewer) {
+  viewer.is_group ? link<GroupOfSource>(source, viewer.id) : link<UserOfSource>(source, viewer.id);
 }
 
 int Builder::add_profile(const std::string& name, const std::string& description, const std::vector<Entry>& entries) {

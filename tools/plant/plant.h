@@ -1,11 +1,15 @@
-/// Builds a plant in a database that has the schema: stations, users, characteristics, labels and profiles.
+/// Builds a plant in a database that has the schema: stations, users and groups of users, characteristics, labels,
+/// profiles and monitors, the folders that hold them, and who may see what.
 ///
 ///     plant::Builder builder(db);
 ///     const int diameter = builder.add_characteristic({"Diameter", "inside, mm", plant::Kind::number, 5});
 ///     const int batch = builder.add_label({"Batch", plant::Holds::whole_sample, plant::Values::growing_list});
 ///     const int profile = builder.add_profile("Rings", "", {plant::characteristic(diameter), plant::label(batch)});
+///     const int forge = builder.add_folder("Forge", 0);
+///     builder.put_profile(forge, profile);
+///     builder.show_profile(profile, plant::user(anna));
 ///
-/// Every row gets its id from its running number.
+/// Every row with an id of its own gets it from its running number.
 /// Fails: CDBException* from the database, DBException when a running number cannot be had.
 #pragma once
 
@@ -54,6 +58,15 @@ inline Entry characteristic(int id) { return {id, false, false}; }
 inline Entry label(int id) { return {id, true, false}; }
 inline Entry auto_label(int id) { return {id, true, true}; }
 
+/// Who is listed to see something.
+struct Viewer {
+  int id = 0;
+  bool is_group = false;
+};
+
+inline Viewer user(int id) { return {id, false}; }
+inline Viewer group(int id) { return {id, true}; }
+
 /// Adds rows. Belongs to the connection's thread.
 class Builder {
  public:
@@ -68,11 +81,26 @@ class Builder {
   /// The entries stand in the order given.
   int add_profile(const std::string& name, const std::string& description, const std::vector<Entry>& entries);
 
+  int add_monitor(const std::string& name, const std::string& description);
+  /// A group without members; groups have no name here.
+  int add_group();
+  /// A folder in another one; 0 is the root.
+  int add_folder(const std::string& name, int parent);
+
+  /// What belongs together. An object may stand in several folders.
+  void put_monitor(int folder, int monitor);
+  void put_profile(int folder, int profile);
+  void add_member(int group, int user);
+  void show_profile(int profile, const Viewer& viewer);
+  void show_data_source(int source, const Viewer& viewer);
+
   /// The rows added so far.
   std::size_t rows() const { return rows_; }
 
  private:
   int next(const char16_t* counter);
+  template <class Names>
+  void link(int first, int second);
 
   CDatabase& db_;
   SPCLib::IQsmSPCPtr engine_;
