@@ -15,6 +15,10 @@ void add_global_options(CLI::App& app, Request& request) {
       ->excludes(dsn);
   app.add_flag("--json", request.json, "Answer in JSON");
   app.add_flag("--trace", request.trace, "Show every statement, its rows and its time on standard error");
+  app.add_option("--as-user", request.as_user,
+                 "List only what this user may see; 0, which is everything, when not given")
+      ->type_name("ID")
+      ->check(CLI::Range(0, 2'147'483'647));
   app.set_version_flag("--version", std::string("spc " SPCBASE_VERSION));
 }
 
@@ -61,7 +65,7 @@ void add_sample(CLI::App& app, Request& request) {
       ->check(CLI::Range(1, 1'000'000));
   list->callback([&] {
     request.task = [&](const Terminal& terminal) {
-      return list_samples(request.place, request.list_profile, request.list_limit, terminal);
+      return list_samples(request.place, request.list_profile, request.list_limit, request.as_user, terminal);
     };
   });
   CLI::App* show = sample->add_subcommand("show", "Show a sample as a grid");

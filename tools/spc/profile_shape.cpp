@@ -7,6 +7,7 @@
 #include "spcbase/foundation/failure.h"
 #include "spcbase/foundation/schema.h"
 #include "tools/spc/problem.h"
+#include "tools/spc/viewer.h"
 
 namespace spc {
 namespace {
@@ -44,10 +45,11 @@ constexpr Kind profiles = {"profile", "[CSPROFV]", "[PROFID]"};
 constexpr Kind stations = {"station", "[CSSTNV]", "[STNID]"};
 constexpr Kind users = {"user", "[CSUSERV]", "[USERID]"};
 
-std::vector<Named> rows_of(Link& link, const Kind& kind, const CString& filter) {
+std::vector<Named> rows_of(Link& link, const Kind& kind, const CString& filter, const CString& condition = {}) {
   std::vector<Named> found;
   NamedRows rows(&link.db(), kind.table, kind.id_column);
   rows.m_strFilter = filter;
+  set_rs_where_clause(rows, condition);
   rows.m_strSort = kind.id_column;
   if (!rows.Open()) throw_can_not_open_rs_exception();
   for (; !rows.m_bEOF; rows.MoveNext())
@@ -77,22 +79,24 @@ std::string list_of(const std::vector<Named>& all) {
   return all.size() > most ? text + ", ..." : text;
 }
 
-Named find(Link& link, const Kind& kind, const std::string& wanted) {
+/// Finds among the rows that satisfy `condition`, which may be empty.
+Named find(Link& link, const Kind& kind, const std::string& wanted, const CString& condition = {}) {
   const std::string word = kind.word;
   const std::string what = "cannot find the " + word + " \"" + wanted + "\"";
   return doing(what, [&] {
-    auto found = rows_of(link, kind, name_is(wanted));
+    auto found = rows_of(link, kind, name_is(wanted), condition);
     if (const auto id = whole_number(wanted); found.empty() && id) {
       CString filter;
       filter.Format("%s=%d", kind.id_column, *id);
-      found = rows_of(link, kind, filter);
+      found = rows_of(link, kind, filter, condition);
     }
     if (found.size() == 1) return found.front();
     if (!found.empty())
       throw Problem{what, "there are several: " + list_of(found), "Give the number in brackets instead of the name."};
-    const auto all = rows_of(link, kind, "");
+    const auto all = rows_of(link, kind, "", condition);
     throw Problem{what, "there is none of that name or number",
-                  all.empty() ? "The database has no " + word + " at all."
+                  all.empty() ? (condition.IsEmpty() ? "The database has no " + word + " at all."
+                                                     : "There is no " + word + " that this user may see.")
                               : "There " + std::string(all.size() == 1 ? "is " : "are ") + list_of(all) + "."};
   });
 }
@@ -101,7 +105,9 @@ bool is_by_piece(const GridColumn& column) { return column.by_piece; }
 
 }  // namespace
 
-Named find_profile(Link& link, const std::string& name_or_id) { return find(link, profiles, name_or_id); }
+Named find_profile(Link& link, const std::string& name_or_id, int as_user) {
+  return find(link, profiles, name_or_id, visible_profiles(profiles.id_column, as_user));
+}
 Named find_station(Link& link, const std::string& name_or_id) { return find(link, stations, name_or_id); }
 Named find_user(Link& link, const std::string& name_or_id) { return find(link, users, name_or_id); }
 

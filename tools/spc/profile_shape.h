@@ -28,7 +28,8 @@ struct Named {
 
 /// Finds by name, and when there is none of that name and the text is a number, by id.
 /// Fails: Problem that says what there is when it is not found, or when two have the name.
-Named find_profile(Link& link, const std::string& name_or_id);
+/// Of the profiles those that the user `as_user` may see; 0 sees all.
+Named find_profile(Link& link, const std::string& name_or_id, int as_user = 0);
 Named find_station(Link& link, const std::string& name_or_id);
 Named find_user(Link& link, const std::string& name_or_id);
 

@@ -9,6 +9,7 @@
 #include "spcbase/platform/datetime/timestamp.h"
 #include "tools/spc/moments.h"
 #include "tools/spc/problem.h"
+#include "tools/spc/viewer.h"
 
 namespace spc {
 namespace {
@@ -135,11 +136,12 @@ void write_sample(JsonWriter& json, const SampleView& view) {
   json.end_object();
 }
 
-std::vector<SampleLine> list_samples(Link& link, int profile, std::size_t limit) {
+std::vector<SampleLine> list_samples(Link& link, int profile, std::size_t limit, int as_user) {
   auto lines = doing("cannot list samples", [&] {
     std::vector<SampleLine> found;
     CRSSample rows(&link.db());
     if (profile != 0) rows.m_strFilter.Format("PROFID=%d", profile);
+    set_rs_where_clause(rows, visible_profiles("PROFID", as_user));
     rows.m_strSort = "SAMPID DESC";
     open_for_reading(rows);
     for (; !rows.m_bEOF && found.size() < limit; rows.MoveNext())

@@ -40,8 +40,9 @@ struct SampleLine {
   std::string taken;
 };
 
-/// The newest samples first, at most `limit`; of one profile unless it is 0.
+/// The newest samples first, at most `limit`; of one profile unless it is 0, and of those that a user may see unless
+/// the user is 0.
 /// Fails: Problem.
-std::vector<SampleLine> list_samples(Link& link, int profile, std::size_t limit);
+std::vector<SampleLine> list_samples(Link& link, int profile, std::size_t limit, int as_user = 0);
 
 }  // namespace spc

@@ -69,7 +69,9 @@ int create_database(const Place& place, const Terminal& terminal);
 int check_database(const Place& place, const Terminal& terminal);
 int import_samples(const Place& place, const ImportRequest& request, const Terminal& terminal);
 /// `profile` may be empty.
-int list_samples(const Place& place, const std::string& profile, std::size_t limit, const Terminal& terminal);
+/// `as_user` sees samples of the profiles open to that user; 0 sees all.
+int list_samples(const Place& place, const std::string& profile, std::size_t limit, int as_user,
+                 const Terminal& terminal);
 int show_sample(const Place& place, long sample, const Terminal& terminal);
 /// `table` may be empty, for all.
 int check_numbers(const Place& place, const std::string& table, const Terminal& terminal);

@@ -6,6 +6,7 @@
 #include "tools/spc/schema_work.h"
 #include "tools/spc/table.h"
 #include "tools/spc/tasks.h"
+#include "tools/spc/viewer.h"
 
 namespace spc {
 namespace {
@@ -82,10 +83,12 @@ int import_samples(const Place& place, const ImportRequest& request, const Termi
   return exit_done;
 }
 
-int list_samples(const Place& place, const std::string& profile, std::size_t limit, const Terminal& terminal) {
+int list_samples(const Place& place, const std::string& profile, std::size_t limit, int as_user,
+                 const Terminal& terminal) {
   Link link(connect_text_of(place, false), trace_of(terminal));
-  const int id = profile.empty() ? 0 : find_profile(link, profile).id;
-  const auto lines = list_samples(link, id, limit);
+  check_viewer(link, as_user);
+  const int id = profile.empty() ? 0 : find_profile(link, profile, as_user).id;
+  const auto lines = list_samples(link, id, limit, as_user);
   if (terminal.json) {
     JsonWriter json(terminal.out);
     json.begin_array();
