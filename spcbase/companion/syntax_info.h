@@ -30,8 +30,10 @@ class SPCBASE_API UserDefinedSyntaxInfo {
   /// Fails: `_com_error` with the code of the document model that refuses something.
   _com_ptr_t<IXMLDOMElement> get_xml(_com_ptr_t<IXMLDOMDocument>& document, const char* name) const;
   /// Overwrites the fields from the children of an element, whose own name does not matter. What has no child keeps
-  /// what it held; of several the last counts. Other children are passed over.
+  /// what it held; of several the last counts. Other elements are passed over.
+  /// Kept:  nothing behind a child that is no element is read.
   /// Null:  a null element throws `_com_error` with E_POINTER.
+  /// Fails: `DBException` "XML error." for a child with children but no text; what was read before it stays.
   void set_xml(const _com_ptr_t<IXMLDOMElement>& element);
 
   friend bool operator==(const UserDefinedSyntaxInfo&, const UserDefinedSyntaxInfo&) = default;
