@@ -12,7 +12,8 @@
 #include "spcbase/platform/system/export.h"
 
 /// Appends every live definition of a kind that a user may see, and gives their number; user 0 sees all. `newest`
-/// becomes the latest time of writing among them, in UTC; its status is null when there is none.
+/// becomes the latest time of writing among them, in UTC and to the second; its status is null when there is none.
+/// When one of them cannot be read, none is appended.
 SPCBASE_API int get_all_ole_db(CDatabase* database, int maximum_blob_size, int user,
                                std::vector<std::shared_ptr<OLEDBInfo>>& definitions, COleDateTime& newest);
 SPCBASE_API int get_all_adonet_db(CDatabase* database, int maximum_blob_size, int user,
