@@ -127,6 +127,11 @@ Script& Script::information(unsigned short type, short return_code, std::uint32_
   return *this;
 }
 
+Script& Script::information_text(unsigned short type, short return_code, std::string text) {
+  information_texts_[type] = {return_code, std::move(text)};
+  return *this;
+}
+
 Script& Script::column_sizes_zero() {
   column_sizes_zero_ = true;
   return *this;
@@ -506,6 +511,17 @@ short ScriptedSession::information(unsigned short type, std::uint32_t& value) {
   }
   if (real_) return real_->information(type, value);
   value = 0;
+  return 0;
+}
+
+short ScriptedSession::information_text(unsigned short type, std::string& text) {
+  script_->see("information", {}, std::to_string(type));
+  if (const auto found = script_->information_texts_.find(type); found != script_->information_texts_.end()) {
+    text = found->second.second;
+    return found->second.first;
+  }
+  if (real_) return real_->information_text(type, text);
+  text.clear();
   return 0;
 }
 

@@ -103,6 +103,7 @@ class Script {
   Script& quirks(const spcdb::Quirks& quirks);
   Script& quotes(char open, char close);
   Script& information(unsigned short type, short return_code, std::uint32_t value = 0);
+  Script& information_text(unsigned short type, short return_code, std::string text = {});
   Script& column_sizes_zero();
   /// Whatever reads or writes long data in pieces fails when it is executed.
   Script& refuse_streaming(spcdb::Diagnostic diagnostic);
@@ -141,6 +142,7 @@ class Script {
   std::optional<spcdb::Quirks> quirks_;
   std::optional<std::pair<char, char>> quotes_;
   std::map<unsigned short, std::pair<short, std::uint32_t>> information_;
+  std::map<unsigned short, std::pair<short, std::string>> information_texts_;
   bool column_sizes_zero_ = false;
   std::optional<spcdb::Diagnostic> no_streaming_;
   bool long_lengths_unknown_ = false;
@@ -166,6 +168,7 @@ class ScriptedSession final : public spcdb::Session {
   void rollback() override;
   bool in_transaction() const override { return real_ ? real_->in_transaction() : in_transaction_; }
   short information(unsigned short type, std::uint32_t& value) override;
+  short information_text(unsigned short type, std::string& text) override;
   bool link_is_dead() override;
   std::string describe_server() override;
   void set_query_timeout(unsigned seconds) override;

@@ -30,7 +30,18 @@ const ConnectItem* find_item(const std::vector<ConnectItem>& items, std::string_
 /// Whether two words are equal but for the case of ASCII letters.
 bool same_word(std::string_view a, std::string_view b) noexcept;
 
-/// Replaces the value of every password key (PWD, Password, ...) by ***, whatever stands around it.
+/// A connect text that may be shown.
+struct MaskedConnectText {
+  std::string text;
+  /// What was hidden: each value as it stood, and without its quotes or braces when it had any.
+  std::vector<std::string> passwords;
+};
+
+/// Replaces the value of every password key (PWD, Password, ...) by ***, an empty one too, with its quotes or braces.
+/// Reads the spellings of ODBC, OLE DB and ADO.NET and pairs inside of quoted values. Where quotes or braces do not come
+/// out even, everything from the first password on is hidden. Masking what was masked changes nothing.
+MaskedConnectText mask_passwords(std::string_view text);
+/// The same, the text alone.
 SPCBASE_API std::string mask_password_in_connect_text(std::string_view text);
 
 }  // namespace spcdb

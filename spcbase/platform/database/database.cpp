@@ -1,6 +1,7 @@
 #include "spcbase/platform/database/database.h"
 
 #include <string>
+#include <utility>
 
 #include "spcbase/platform/database/connection.h"
 #include "spcbase/platform/database/odbc_session.h"
@@ -154,6 +155,13 @@ RETCODE CDatabase::GetInfo(WORD type, DWORD& value) {
   std::uint32_t answer = 0;
   const RETCODE code = connection_->session().information(type, answer);
   value = answer;
+  return code;
+}
+
+RETCODE CDatabase::information_text(WORD type, CString& text) {
+  std::string answer;
+  const RETCODE code = connection_ == nullptr ? RETCODE{-2} : connection_->session().information_text(type, answer);
+  text = CString(std::move(answer));
   return code;
 }
 

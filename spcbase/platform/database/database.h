@@ -88,6 +88,8 @@ class SPCBASE_API CDatabase {
 
   /// SQLGetInfo of a 4-byte value: the driver's return code, 0 and 1 being success; -2 when not connected.
   RETCODE GetInfo(WORD type, DWORD& value);
+  /// The same of a text, empty when it is refused. Ours: the documented type has one `GetInfo` for both.
+  RETCODE information_text(WORD type, CString& text);
 
   /// Who is told of every statement; null ends it. Not owned. Survives Close and Open.
   void set_observer(spcdb::StatementObserver* observer);

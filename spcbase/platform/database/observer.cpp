@@ -5,13 +5,10 @@
 #include <utility>
 #include <vector>
 
-#include "spcbase/platform/database/connect_text.h"
 #include "spcbase/platform/database/sql_scan.h"
 
 namespace spcdb {
 namespace {
-
-constexpr std::string_view mask = "***";
 
 enum class TokenKind : unsigned char { word, name, literal, symbol };
 
@@ -197,20 +194,6 @@ std::string with_ranges_replaced(std::string_view text, Ranges& ranges, std::str
   return out;
 }
 
-bool is_password_key(std::string_view key) noexcept {
-  constexpr std::string_view pwd = "PWD";
-  return contains_word(key, "PASSWORD") || contains_word(key, "PASSWD") ||
-         (key.size() >= pwd.size() && scan::same_word(key.substr(key.size() - pwd.size()), pwd));
-}
-
-/// Behind a value in quotes, which may hold semicolons; the given end when it is not quoted.
-std::size_t quoted_end(std::string_view text, const ConnectItem& item) noexcept {
-  const char quote = item.value_begin < text.size() ? text[item.value_begin] : '\0';
-  if (quote != '\'' && quote != '"') return item.value_end;
-  const auto end = scan::name_end(text, item.value_begin);
-  return std::max(end, item.value_end);
-}
-
 }  // namespace
 
 bool names_a_password(std::string_view column) noexcept {
@@ -229,17 +212,6 @@ std::string mask_password_literals(std::string_view statement) {
   // Whether a backslash escapes is the server's matter: what is a password by either reading is hidden.
   if (statement.find("\\'") != std::string_view::npos) PasswordFinder(statement, true).find(ranges);
   return with_ranges_replaced(statement, ranges, "'***'");
-}
-
-std::string mask_password_in_connect_text(std::string_view text) {
-  Ranges ranges;
-  std::size_t covered = 0;
-  for (const auto& item : parse_connect_text(text)) {
-    if (item.value_begin < covered || !is_password_key(item.key)) continue;
-    covered = quoted_end(text, item);
-    ranges.emplace_back(item.value_begin, covered);
-  }
-  return with_ranges_replaced(text, ranges, mask);
 }
 
 }  // namespace spcdb

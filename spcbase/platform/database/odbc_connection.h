@@ -44,6 +44,7 @@ class OdbcSession final : public Session {
   void rollback() override;
   bool in_transaction() const override { return in_transaction_; }
   short information(unsigned short type, std::uint32_t& value) override;
+  short information_text(unsigned short type, std::string& text) override;
   bool link_is_dead() override;
   std::string describe_server() override;
   void set_query_timeout(unsigned seconds) override;
@@ -77,7 +78,8 @@ class OdbcSession final : public Session {
   void end_transaction(SQLSMALLINT how);
   void restore_autocommit();
   void set_autocommit(bool on);
-  std::string information_text(SQLUSMALLINT type);
+  std::string required_text(SQLUSMALLINT type);
+  SQLRETURN ask_text(SQLUSMALLINT type, std::string& text);
   bool backslash_escapes_literals();
   std::vector<std::string> primary_key(std::string_view table);
   std::vector<std::string> unique_key(std::string_view table);

@@ -62,11 +62,11 @@ void OdbcSession::connect(const std::string& connect_text, bool read_only) {
 }
 
 void OdbcSession::learn() {
-  const auto dbms = information_text(SQL_DBMS_NAME);
-  const auto driver = information_text(SQL_DRIVER_NAME);
-  server_ = dbms + " " + information_text(SQL_DBMS_VER) + " through " + driver + " " + information_text(SQL_DRIVER_VER);
+  const auto dbms = required_text(SQL_DBMS_NAME);
+  const auto driver = required_text(SQL_DRIVER_NAME);
+  server_ = dbms + " " + required_text(SQL_DBMS_VER) + " through " + driver + " " + required_text(SQL_DRIVER_VER);
   quirks_ = quirks_of(dbms, driver);
-  const auto quote = information_text(SQL_IDENTIFIER_QUOTE_CHAR);
+  const auto quote = required_text(SQL_IDENTIFIER_QUOTE_CHAR);
   if (!quirks_.fixed_quotes && !quote.empty()) quirks_.quote_open = quirks_.quote_close = quote.front();
   SQLUSMALLINT capable = SQL_TC_NONE;
   checked("SQLGetInfo", SQL_HANDLE_DBC, connection_,
@@ -75,12 +75,24 @@ void OdbcSession::learn() {
   if (quirks_.backslash_escapes) quirks_.backslash_escapes = backslash_escapes_literals();
 }
 
-std::string OdbcSession::information_text(SQLUSMALLINT type) {
-  std::array<char, 256> text{};
-  checked("SQLGetInfo", SQL_HANDLE_DBC, connection_, [&] {
-    return SQLGetInfo(connection_, type, text.data(), static_cast<SQLSMALLINT>(text.size() - 1), nullptr);
-  });
-  return text.data();
+std::string OdbcSession::required_text(SQLUSMALLINT type) {
+  std::string text;
+  checked("SQLGetInfo", SQL_HANDLE_DBC, connection_, [&] { return ask_text(type, text); });
+  return text;
+}
+
+SQLRETURN OdbcSession::ask_text(SQLUSMALLINT type, std::string& text) {
+  constexpr std::size_t usual_bytes = 256, most_bytes = 32767;
+  SQLSMALLINT length = 0;
+  const auto ask = [&](std::size_t size) {
+    text.assign(size, '\0');
+    return SQLGetInfo(connection_, type, text.data(), static_cast<SQLSMALLINT>(size), &length);
+  };
+  auto code = ask(usual_bytes);
+  if (SQL_SUCCEEDED(code) && length >= static_cast<SQLSMALLINT>(usual_bytes)) code = ask(most_bytes);
+  // Not every driver tells the length.
+  text.resize(SQL_SUCCEEDED(code) ? std::strlen(text.c_str()) : 0);
+  return code;
 }
 
 bool OdbcSession::backslash_escapes_literals() {
@@ -185,6 +197,11 @@ short OdbcSession::information(unsigned short type, std::uint32_t& value) {
   if (gate_.refused("SQLGetInfo")) return gate_.refusal().return_code;
   // Some drivers write two bytes where four are documented: the others stay zero.
   return SQLGetInfo(connection_, type, &value, sizeof value, nullptr);
+}
+
+short OdbcSession::information_text(unsigned short type, std::string& text) {
+  text.clear();
+  return gate_.refused("SQLGetInfo") ? gate_.refusal().return_code : ask_text(type, text);
 }
 
 bool OdbcSession::link_is_dead() {

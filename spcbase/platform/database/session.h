@@ -187,6 +187,8 @@ class Session {
 
   /// SQLGetInfo of a 4-byte value: the driver's return code (0 and 1 are success). Never throws for a refusal.
   virtual short information(unsigned short type, std::uint32_t& value) = 0;
+  /// The same of a text, empty when it is refused.
+  virtual short information_text(unsigned short type, std::string& text) = 0;
   /// Asks the driver whether the link is known to be dead. A driver that does not know says false.
   virtual bool link_is_dead() = 0;
   /// Name and version of server and driver, for people: "MariaDB 10.11.19 through libmaodbc.so 03.01.0015".

@@ -43,6 +43,7 @@ class SqliteSession final : public Session {
   void rollback() override;
   bool in_transaction() const override { return db_ != nullptr && sqlite3_get_autocommit(db_) == 0; }
   short information(unsigned short type, std::uint32_t& value) override;
+  short information_text(unsigned short type, std::string& text) override;
   bool link_is_dead() override { return false; }
   std::string describe_server() override;
   void set_query_timeout(unsigned seconds) override;

@@ -9,8 +9,6 @@
 namespace spcdb {
 namespace {
 
-constexpr unsigned short info_txn_capable = 46;
-constexpr unsigned short info_alter_table = 86;
 /// How many steps of SQLite's machine pass between two looks at the clock.
 constexpr int steps_between_looks = 2000;
 
@@ -108,15 +106,6 @@ void SqliteSession::undo_savepoint() noexcept {
   if (!in_transaction()) return;
   gate_.release("sqlite3_exec");
   sqlite3_exec(db_, "ROLLBACK TO long_data; RELEASE long_data", nullptr, nullptr, nullptr);
-}
-
-short SqliteSession::information(unsigned short type, std::uint32_t& value) {
-  constexpr std::uint32_t txn_all = 2;
-  value = 0;
-  if (type == info_alter_table) return 0;
-  if (type != info_txn_capable) return -1;
-  value = txn_all;
-  return 0;
 }
 
 std::string SqliteSession::describe_server() { return std::string("SQLite ") + sqlite3_libversion(); }
