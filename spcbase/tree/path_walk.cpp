@@ -1,49 +1,59 @@
 // Paths in the database: from an id to its path, and from a path to an id.
-#include <algorithm>
 #include <set>
 #include <string>
 
 #include "spcbase/foundation/failure.h"
-#include "spcbase/foundation/internal/opening.h"
 #include "spcbase/foundation/recordset.h"
 #include "spcbase/foundation/schema/tree.h"
+#include "spcbase/tree/internal/alike_name.h"
 #include "spcbase/tree/internal/node_walk.h"
 #include "spcbase/tree/path.h"
 #include "spcbase/utility/text.h"
 
 namespace {
 
-CString quoted(const CString& name) {
-  CString text = name;
-  text.Replace("'", "''");
-  return text;
-}
+/// A condition in the making. A walk makes one for each name, so no format is read for it.
+class Filter {
+ public:
+  Filter() { text_.reserve(128); }
+  Filter& operator<<(const char* piece) {
+    text_ += piece;
+    return *this;
+  }
+  Filter& operator<<(int number) {
+    text_ += std::to_string(number);
+    return *this;
+  }
+  /// A name, as a literal.
+  Filter& operator<<(const CString& name) {
+    text_ += '\'';
+    for (const char c : name.view())
+      text_.append(c == '\'' ? 2 : 1, c);
+    text_ += '\'';
+    return *this;
+  }
+  const char* text() const { return text_.c_str(); }
 
-template <class... Values>
-CString filter_of(const char* format, Values... values) {
-  CString filter;
-  filter.Format(format, values...);
-  return filter;
-}
+ private:
+  std::string text_;
+};
 
-/// Reads another level: one recordset serves a whole walk. False when it does not open.
-bool select(CRecordset& rs, const CString& filter) {
-  if (rs.IsOpen()) return requery_rs_for_read(rs, filter, false);
-  rs.m_strFilter = filter;
-  return open_read_only(rs);
+/// Reads another set: one recordset serves a whole walk. It only looks forward, since a folder may hold very many, and
+/// stays open, so that the next set is a requery. False when it does not open.
+bool select(CRecordset& rs, const Filter& filter) {
+  if (rs.IsOpen()) return requery_rs_for_read(rs, filter.text(), false);
+  rs.m_strFilter = filter.text();
+  return rs.Open(CRecordset::forwardOnly, nullptr, CRecordset::readOnly) != FALSE;
 }
 
 /// Moves on to the first row whose name is the wanted one but for case, white space at the ends and what names must not
 /// hold. Returns whether there is one.
 template <class Rows>
 bool find_alike(Rows& rs, const CString& name) {
-  CString wanted = name;
-  wanted.Trim();
-  for (; !rs.m_bEOF; rs.MoveNext()) {
-    CString found = fix_spc_name(rs.name, false);
-    if (found.Trim().CompareNoCase(wanted) == 0) return true;
-  }
-  return false;
+  const AlikeName wanted(name);
+  while (!rs.m_bEOF && !wanted.matches(rs.name))
+    rs.MoveNext();
+  return !rs.m_bEOF;
 }
 
 /// What differs between the two kinds of objects.
@@ -66,11 +76,10 @@ int id_from_path(CDatabase* database, const char* path) {
 
   using Rows = typename Kind::Rows;
   Rows rs(database);
-  rs.m_strFilter =
-      filter_of("%s AND [NODEID] = %d AND [NAME] = '%s'", Rows::join, node, quoted(names.back()).GetString());
-  if (!open_read_only(rs)) throw_can_not_open_rs_exception();
+  if (!select(rs, Filter() << Rows::join << " AND [NODEID] = " << node << " AND [NAME] = " << names.back()))
+    throw_can_not_open_rs_exception();
   if (rs.m_bEOF) {
-    if (!requery_rs_for_read(rs, filter_of("%s AND [NODEID] = %d", Rows::join, node), false)) return 0;
+    if (!select(rs, Filter() << Rows::join << " AND [NODEID] = " << node)) return 0;
     find_alike(rs, names.back());
   }
   return rs.m_bEOF ? 0 : Kind::id(rs);
@@ -87,7 +96,7 @@ CString get_node_path(CDatabase* database, int node, bool forward_slashes) {
   std::set<int> passed;
   while (node != 0) {
     if (!passed.insert(node).second) return {};
-    if (!select(rs, filter_of("NODEID = %d", node)) || rs.m_bEOF) return {};
+    if (!select(rs, Filter() << "NODEID = " << node) || rs.m_bEOF) return {};
     CString name = fix_spc_name(rs.name, false);
     name.Replace(single, doubled);
     path = path.IsEmpty() ? name : name + single + path;
@@ -101,9 +110,9 @@ int find_node_from_names(CDatabase* database, const std::vector<CString>& names,
   int node = 0;
   for (int i = 0; i < count; ++i) {
     const CString& name = names.at(static_cast<std::size_t>(i));
-    if (!select(rs, filter_of("PNODE = %d AND NAME = '%s' AND VFLG IS NULL", node, quoted(name).GetString()))) return 0;
+    if (!select(rs, Filter() << "PNODE = " << node << " AND NAME = " << name << " AND VFLG IS NULL")) return 0;
     if (rs.m_bEOF) {
-      if (!select(rs, filter_of("PNODE = %d AND VFLG IS NULL", node)) || !find_alike(rs, name)) return 0;
+      if (!select(rs, Filter() << "PNODE = " << node << " AND VFLG IS NULL") || !find_alike(rs, name)) return 0;
     }
     node = static_cast<int>(rs.nodeid);
   }
