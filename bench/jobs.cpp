@@ -16,6 +16,8 @@ std::vector<Job> all_jobs() {
           read_revision(),
           cached_revision(),
           list_revisions(),
+          resolve_path(),
+          slow_name(),
           scan_memory(),
           integers_to_array(),
           integers_to_vector(),

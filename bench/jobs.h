@@ -68,6 +68,8 @@ Job add_after_10000();
 Job read_revision();
 Job cached_revision();
 Job list_revisions();
+Job resolve_path();
+Job slow_name();
 Job scan_memory();
 Job integers_to_array();
 Job integers_to_vector();
