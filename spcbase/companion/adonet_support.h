@@ -24,7 +24,8 @@ namespace ADONETSupport {
 
 /// An open connection.
 struct _DbConnection : IUnknown {
-  /// A fact about the source by ODBC's number for it (SQLGetInfo), numbers as decimal text. The caller frees `*fact`.
+  /// A fact about the source by ODBC's number for it (SQLGetInfo), numbers as decimal text. S_FALSE and an empty text:
+  /// the source does not tell. The caller frees `*fact`.
   virtual HRESULT get_information(unsigned short type, BSTR* fact) = 0;
 
  protected:
@@ -48,10 +49,12 @@ struct _DbSyntaxInfo : IUnknown {
   ~_DbSyntaxInfo() = default;
 };
 
-/// A new syntax object; null when none can be made. The default asks the connection for what ODBC knows.
+/// A new syntax object; null when none can be made. The default asks the connection for what ODBC knows, and gives its
+/// failures on. Before a connection is set, every method but `set_connection` fails with E_UNEXPECTED.
 SPCBASE_API _com_ptr_t<_DbSyntaxInfo> create_syntax_info();
 
-/// An open connection of ours as one of the component's. It must stay open for as long as the result is used.
+/// A connection of ours as one of the component's. It must live for as long as the result is used; while it is not
+/// open, the result's methods fail with E_UNEXPECTED.
 SPCBASE_API _com_ptr_t<_DbConnection> connection_on(CDatabase& database);
 
 // NOLINTEND(bugprone-reserved-identifier)

@@ -21,8 +21,8 @@ class SPCBASE_API ConnectStringUtil {
   /// Replaces the value of every password key by "***", with its quotes or braces; every other pair stays as it is. A
   /// key is one of a password when "password", "passwd" or "passphrase" stands in it, when it ends in "pwd", or when
   /// its last word is "pass" or "pw", in any case of letters. A value in quotes or braces may hold pairs itself.
-  /// Whatever looks like a pair counts as one, and where quotes or braces do not come out even, everything from the
-  /// first password on is hidden: too much rather than too little.
+  /// Whatever looks like a pair counts as one, a word behind a password that is no pair belongs to it, and where quotes
+  /// or braces do not come out even, everything from the first password on is hidden: too much rather than too little.
   /// Returns whether there was a password key. What its value is plays no part: an empty one is hidden too, and a
   /// second call changes nothing and returns the same.
   bool HidePassword();

@@ -1,7 +1,7 @@
 #include "spcbase/companion/oledb_connection.h"
 
 #include <charconv>
-#include <string>
+#include "spcbase/companion/internal/source_facts.h"
 
 namespace {
 
@@ -10,13 +10,8 @@ enum Question : WORD {
   ask_odbc_conformance = 15,
   ask_dbms_name = 17,
   ask_dbms_version = 18,
-  ask_quote = 29,
-  ask_catalog_separator = 41,
   ask_integrity = 73,
-  ask_schema_usage = 91,
-  ask_catalog_usage = 92,
-  ask_sql_conformance = 118,
-  ask_catalog_name = 10003
+  ask_sql_conformance = 118
 };
 
 /// The bits of DBPROP_SQLSUPPORT. Who has a level of the grammar has those below.
@@ -32,31 +27,31 @@ enum SqlSupport : DWORD {
   escape_clauses = 0x100
 };
 
-/// The separator where the driver does not name another.
-constexpr char usual_separator[] = ".";
-
 /// The first version of SQL Server with the new types, 2008.
 constexpr int first_with_new_types = 10;
 
-bool succeeded(RETCODE code) { return code == 0 || code == 1; }
-
-CString required_text(CDatabase& database, WORD type) {
+/// Answers to questions, numbers as 0 when there is none.
+CString fact(CDatabase& database, WORD type) {
   CString text;
-  if (succeeded(database.information_text(type, text))) return text;
-  CString message;
-  message.Format("The driver does not answer what SQLGetInfo(%d) asks.", static_cast<int>(type));
-  AfxThrowDBException(AFX_SQL_ERROR, message.GetString());
-}
-
-CString optional_text(CDatabase& database, WORD type) {
-  CString text;
-  database.information_text(type, text);
+  source_facts::of_connection(database, type, text);
   return text;
 }
 
-DWORD optional_number(CDatabase& database, WORD type) {
+DWORD number(CDatabase& database, WORD type) {
+  const auto digits = fact(database, type);
   DWORD value = 0;
-  return succeeded(database.GetInfo(type, value)) ? value : 0;
+  std::from_chars(digits.view().data(), digits.view().data() + digits.view().size(), value);
+  return value;
+}
+
+/// What every driver must answer.
+template <class Find>
+CString required(const char* what, const Find& find) {
+  CString text;
+  if (find(text) == S_OK) return text;
+  CString message;
+  message.Format("The driver does not tell %s.", what);
+  AfxThrowDBException(AFX_SQL_ERROR, message.GetString());
 }
 
 DWORD odbc_levels(DWORD conformance) {
@@ -81,41 +76,36 @@ DWORD ansi_levels(DWORD conformance) {
 
 /// The driver takes what ODBC's escape clauses say for every server, whatever its own words are.
 DWORD sql_support_of(CDatabase& database) {
-  DWORD support = odbc_levels(optional_number(database, ask_odbc_conformance)) |
-                  ansi_levels(optional_number(database, ask_sql_conformance)) | escape_clauses;
-  if (optional_text(database, ask_integrity) == "Y") support |= ansi89_integrity;
+  DWORD support = odbc_levels(number(database, ask_odbc_conformance)) |
+                  ansi_levels(number(database, ask_sql_conformance)) | escape_clauses;
+  if (fact(database, ask_integrity) == "Y") support |= ansi89_integrity;
   return support;
 }
 
-/// One driver has catalogs and does not say so by its usage of them, another the other way round.
-CString catalog_separator_of(CDatabase& database) {
-  if (optional_text(database, ask_catalog_name) != "Y" && optional_number(database, ask_catalog_usage) == 0) return {};
-  const CString separator = optional_text(database, ask_catalog_separator);
-  return separator.IsEmpty() ? CString(usual_separator) : separator;
-}
-
-int major_version(const CString& version) {
+bool has_new_datetime_type(const CString& server, const CString& version) {
   int major = 0;
   const auto digits = version.view();
   std::from_chars(digits.data(), digits.data() + digits.size(), major);
-  return major;
+  return server.Find("SQL SERVER") >= 0 && major >= first_with_new_types;
 }
 
 }  // namespace
 
 OLEDBConnection::OLEDBConnection(CDatabase& database) {
   if (!database.IsOpen()) AfxThrowDBException(AFX_SQL_ERROR_CONNECT_FAIL, "The database is not connected.");
-  CString server = required_text(database, ask_dbms_name);
-  const CString version = required_text(database, ask_dbms_version);
-  const CString quote = required_text(database, ask_quote);
+  const auto ask = [&](WORD type, CString& answer) { return source_facts::of_connection(database, type, answer); };
+  const auto ask_for = [&](WORD type) { return [&ask, type](CString& answer) { return ask(type, answer); }; };
+  CString server = required("the name of its server", ask_for(ask_dbms_name));
+  const CString version = required("the version of its server", ask_for(ask_dbms_version));
+  quote_prefix =
+      required("how names are quoted", [&](CString& quote) { return source_facts::identifier_quote(ask, quote); });
+  quote_suffix = quote_prefix;
 
   server.MakeUpper();
   msjet = server == "ACCESS" || server == "MS JET";
-  new_datetime_type = server.Find("SQL SERVER") >= 0 && major_version(version) >= first_with_new_types;
+  new_datetime_type = has_new_datetime_type(server, version);
   sql_support = sql_support_of(database);
-  catalog_separator = catalog_separator_of(database);
-  if (optional_number(database, ask_schema_usage) != 0) schema_separator = usual_separator;
-  table_separator = usual_separator;
-  // A blank says that names cannot be quoted.
-  if (quote != " ") quote_prefix = quote_suffix = quote;
+  source_facts::catalog_separator(ask, catalog_separator);
+  source_facts::schema_separator(ask, schema_separator);
+  table_separator = source_facts::table_separator;
 }

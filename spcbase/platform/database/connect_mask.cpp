@@ -142,10 +142,22 @@ class Masker {
     std::optional<std::size_t> end;
     if (!uneven_) end = opens(value) ? quoted_end(value) : plain_end(begin);
     ran_over_ = !end;
-    replace(begin, end.value_or(text_.size()), mask);
-    const auto hidden = text_.substr(begin, at_ - begin);
-    passwords_.emplace_back(hidden);
+    passwords_.emplace_back(text_.substr(begin, end.value_or(text_.size()) - begin));
     if (end && opens(value)) passwords_.push_back(unquoted(text_.substr(value, *end - value)));
+    replace(begin, end ? behind_loose_words(*end) : text_.size(), mask);
+  }
+
+  /// Words that are no pairs belong to the password before them: its writer forgot the quotes around a semicolon.
+  std::size_t behind_loose_words(std::size_t end) {
+    for (auto at = text_.find(';', end); at < text_.size(); at = text_.find(';', at + 1)) {
+      const auto segment = text_.substr(at + 1, text_.substr(at + 1).find(';'));
+      if (segment.find('=') != segment.npos) break;
+      const auto word = trimmed(segment);
+      if (word.empty()) continue;
+      passwords_.emplace_back(word);
+      end = static_cast<std::size_t>(word.data() - text_.data()) + word.size();
+    }
+    return end;
   }
 
   /// A value may be a list of pairs itself, the extended properties of OLE DB for one.
@@ -176,6 +188,14 @@ class Masker {
   bool ran_over_ = false;
 };
 
+/// Shorter passwords are part of many a word of a message.
+constexpr std::size_t shortest_anywhere = 3;
+
+bool inside_a_word(std::string_view text, std::size_t at, std::size_t length) noexcept {
+  return (at > 0 && is_letter_or_digit(text[at - 1])) ||
+         (at + length < text.size() && is_letter_or_digit(text[at + length]));
+}
+
 /// The file of a data source has its pairs on lines, behind a heading in brackets.
 bool is_file(std::string_view text) {
   const auto heading = trimmed(text.substr(0, text.find('\n')));
@@ -197,6 +217,24 @@ MaskedConnectText mask_passwords(std::string_view text) {
     at = end;
   }
   return masked;
+}
+
+std::string mask_passwords_in_message(std::string_view message, std::string_view connect_text) {
+  auto passwords = mask_passwords(connect_text).passwords;
+  std::sort(passwords.begin(), passwords.end(), [](const auto& a, const auto& b) { return a.size() > b.size(); });
+  std::string shown(message);
+  for (const auto& password : passwords) {
+    if (password.empty() || password == mask) continue;
+    for (auto at = shown.find(password); at != shown.npos; at = shown.find(password, at)) {
+      if (password.size() < shortest_anywhere && inside_a_word(shown, at, password.size())) {
+        ++at;
+        continue;
+      }
+      shown.replace(at, password.size(), mask);
+      at += mask.size();
+    }
+  }
+  return shown;
 }
 
 std::string mask_password_in_connect_text(std::string_view text) { return mask_passwords(text).text; }

@@ -30,7 +30,7 @@ const ConnectItem* find_item(const std::vector<ConnectItem>& items, std::string_
 /// Whether two words are equal but for the case of ASCII letters.
 bool same_word(std::string_view a, std::string_view b) noexcept;
 
-/// A connect text that may be shown.
+/// What `mask_passwords` gives.
 struct MaskedConnectText {
   std::string text;
   /// What was hidden: each value as it stood, and without its quotes or braces when it had any.
@@ -41,7 +41,10 @@ struct MaskedConnectText {
 /// Reads the spellings of ODBC, OLE DB and ADO.NET and pairs inside of quoted values. Where quotes or braces do not come
 /// out even, everything from the first password on is hidden. Masking what was masked changes nothing.
 MaskedConnectText mask_passwords(std::string_view text);
-/// The same, the text alone.
+/// Replaces in a message whatever `mask_passwords` hides in a connect text: drivers repeat what they were given. A
+/// password of one or two letters is hidden where it is a word, so that the message can still be read.
+std::string mask_passwords_in_message(std::string_view message, std::string_view connect_text);
+/// A connect text that may be shown.
 SPCBASE_API std::string mask_password_in_connect_text(std::string_view text);
 
 }  // namespace spcdb

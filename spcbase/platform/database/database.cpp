@@ -1,8 +1,10 @@
 #include "spcbase/platform/database/database.h"
 
+#include <algorithm>
 #include <string>
 #include <utility>
 
+#include "spcbase/platform/database/connect_text.h"
 #include "spcbase/platform/database/connection.h"
 #include "spcbase/platform/database/odbc_session.h"
 #include "spcbase/platform/database/recordset.h"
@@ -15,6 +17,8 @@ namespace {
 
 constexpr std::string_view sqlite_prefix = "sqlite:";
 constexpr std::string_view odbc_prefix = "ODBC;";
+/// What stands in `m_strStateNativeOrigin` before what the driver says of itself; before that are numbers.
+constexpr std::string_view origin_mark = ",Origin:";
 
 bool begins_with(std::string_view text, std::string_view prefix) {
   if (text.size() < prefix.size()) return false;
@@ -29,6 +33,25 @@ std::unique_ptr<spcdb::Session> open_session(std::string_view connect, bool read
   if (begins_with(connect, sqlite_prefix)) return spcdb::open_sqlite(connect, read_only);
   if (begins_with(connect, odbc_prefix)) connect.remove_prefix(odbc_prefix.size());
   return spcdb::open_odbc(connect, read_only);
+}
+
+/// Opens a session. What a driver repeats of the connect text must not tell the password.
+std::unique_ptr<spcdb::Session> open_discreetly(std::string_view connect, bool read_only) {
+  try {
+    return open_session(connect, read_only);
+  } catch (CDBException* failure) {
+    failure->m_strError = CString(spcdb::mask_passwords_in_message(failure->m_strError.view(), connect));
+    std::string shown;
+    for (auto rest = failure->m_strStateNativeOrigin.view(); !rest.empty();) {
+      const auto line = rest.substr(0, std::min(rest.find('\n'), rest.size() - 1) + 1);
+      const auto mark = line.find(origin_mark);
+      const auto numbers = mark == line.npos ? line.size() : mark + origin_mark.size();
+      shown.append(line.substr(0, numbers)).append(spcdb::mask_passwords_in_message(line.substr(numbers), connect));
+      rest.remove_prefix(line.size());
+    }
+    failure->m_strStateNativeOrigin = CString(std::move(shown));
+    throw;
+  }
 }
 
 [[noreturn]] void raise_not_connected() {
@@ -56,7 +79,7 @@ BOOL CDatabase::OpenEx(const char* connect, DWORD options) {
   if (m_hdbc != nullptr) spcdb::raise(AFX_SQL_ERROR_ILLEGAL_MODE, "08002", "The database is connected already.");
   const std::string_view text = connect != nullptr ? std::string_view(connect) : std::string_view();
   const bool read_only = (options & openReadOnly) != 0;
-  adopt_session(open_session(text, read_only), !read_only);
+  adopt_session(open_discreetly(text, read_only), !read_only);
   m_strConnect = text;
   return TRUE;
 }

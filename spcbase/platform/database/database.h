@@ -57,7 +57,8 @@ class SPCBASE_API CDatabase {
   BOOL m_bTransactions = FALSE;
 
   /// Connects. `dsn` names a data source and may be null when `connect` tells all.
-  /// Fails: CDBException* when the text names no driver, data source or file, and for every refusal of the driver.
+  /// Fails: CDBException* when the text names no driver, data source or file, and for every refusal of the driver. No
+  ///        password of the connect text stands in it.
   virtual BOOL Open(const char* dsn, BOOL exclusive = FALSE, BOOL read_only = FALSE, const char* connect = "ODBC;",
                     BOOL use_cursor_library = TRUE);
   /// Connects by a connect text alone; `options` are DbOpenOptions, of which openReadOnly alone has an effect.
