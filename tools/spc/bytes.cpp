@@ -8,6 +8,8 @@
 #include <limits>
 #include <system_error>
 
+#include "spcbase/platform/system/file.h"
+#include "spcbase/platform/system/system_error.h"
 #include "tools/spc/problem.h"
 #include "tools/spc/utf8.h"
 
@@ -67,6 +69,22 @@ void write_new_file(const std::string& path, std::string_view bytes) {
   file.close();
   if (!file)
     throw Problem{what, std::generic_category().message(errno), "See that the folder is there, writable and not full."};
+}
+
+void write_private_file(const std::string& path, std::string_view bytes) {
+  const std::string what = "cannot write " + path;
+  CFile file;
+  file.m_hFile = CreateFileA(path.c_str(), GENERIC_WRITE, 0, nullptr, CREATE_NEW, FILE_ATTRIBUTE_NORMAL, nullptr);
+  if (file.m_hFile == CFile::hFileNull) {
+    const auto error = static_cast<LONG>(GetLastError());
+    if (error == ERROR_FILE_EXISTS)
+      throw Problem{what, "the file is there already", "Name a file that does not exist yet."};
+    doing(what, [&] { CFileException::ThrowOsError(error, path.c_str()); });
+  }
+  doing(what, [&] {
+    file.Write(bytes.data(), static_cast<UINT>(bytes.size()));
+    file.Close();
+  });
 }
 
 bool is_printable(std::string_view bytes) {

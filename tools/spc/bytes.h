@@ -23,6 +23,9 @@ std::string read_payload_file(const std::string& path);
 /// Fails: Problem; also when it is there already, which stays as it is.
 void write_new_file(const std::string& path, std::string_view bytes);
 
+/// The same for what its owner alone may read and write.
+void write_private_file(const std::string& path, std::string_view bytes);
+
 /// Whether bytes are a text that a terminal can show: well-formed UTF-8 in which only tabs and line ends are controls.
 bool is_printable(std::string_view bytes);
 

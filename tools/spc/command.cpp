@@ -1,5 +1,6 @@
 #include "tools/spc/command.h"
 
+#include "tools/spc/connection_text.h"
 #include "tools/spc/demo.h"
 #include "tools/spc/problem.h"
 #include "tools/spc/request.h"
@@ -90,6 +91,16 @@ void add_demo(CLI::App& app, Request& request) {
   });
 }
 
+/// What is wrong with the arguments. A word that is wrong may be a password, given where none may stand.
+std::string told(const CLI::ParseError& error) {
+  const std::string text = error.what();
+  const bool repeats_words = dynamic_cast<const CLI::ExtrasError*>(&error) != nullptr ||
+                             dynamic_cast<const CLI::ConversionError*>(&error) != nullptr ||
+                             dynamic_cast<const CLI::ValidationError*>(&error) != nullptr;
+  if (!repeats_words || !speaks_of_password(text)) return text;
+  return "one of its words is wrong, and not shown since it may be a password";
+}
+
 /// Parses; gives a status when the run ends here.
 std::optional<int> parse(CLI::App& app, const Request& request, int argc, const char* const* argv, std::ostream& out,
                          std::ostream& err) {
@@ -100,7 +111,7 @@ std::optional<int> parse(CLI::App& app, const Request& request, int argc, const 
     return exit_misuse;
   } catch (const CLI::ParseError& e) {
     if (e.get_exit_code() == 0) return app.exit(e, out, err) == 0 ? exit_done : exit_misuse;
-    report(err, {"cannot read the command line", e.what(), "spc --help tells what there is.", exit_misuse});
+    report(err, {"cannot read the command line", told(e), "spc --help tells what there is.", exit_misuse});
     return exit_misuse;
   }
 }
@@ -117,6 +128,7 @@ int run(int argc, const char* const* argv, std::ostream& out, std::ostream& err,
   add_data_tasks(app, request);
   add_revision_tasks(app, request);
   add_time_tasks(app, request);
+  add_source_tasks(app, request);
   add_demo(app, request);
   try {
     if (const auto status = parse(app, request, argc, argv, out, err)) return *status;

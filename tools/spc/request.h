@@ -7,6 +7,7 @@
 #include <functional>
 #include <string>
 
+#include "tools/spc/source_request.h"
 #include "tools/spc/tasks.h"
 
 namespace spc {
@@ -29,6 +30,7 @@ struct Request {
   bool yes = false;
   RangeRequest range;
   ScheduleRequest schedule;
+  SourceRequest source;
   std::function<int(const Terminal&)> task;
 };
 
@@ -43,5 +45,8 @@ void add_revision_tasks(CLI::App& app, Request& request);
 
 /// Adds `spc range` and `spc schedule`.
 void add_time_tasks(CLI::App& app, Request& request);
+
+/// Adds `spc source`.
+void add_source_tasks(CLI::App& app, Request& request);
 
 }  // namespace spc
