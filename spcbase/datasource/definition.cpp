@@ -1,5 +1,7 @@
 #include "spcbase/datasource/definition.h"
 
+#include <memory>
+
 namespace {
 
 template <class Info>

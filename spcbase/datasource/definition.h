@@ -199,7 +199,7 @@ class SPCBASE_API ExtDataSourceInfo {
 
   ExtDataSourceInfo() = default;
   /// Copies share what the other one shares, and get a definition of their own where it owns one. A shared definition
-  /// must outlive its holders.
+  /// must outlive its holders. One that owns what the other one shares stays its owner.
   ExtDataSourceInfo(const ExtDataSourceInfo& other) { copy_object(other, false); }
   ExtDataSourceInfo& operator=(const ExtDataSourceInfo& other) {
     copy_object(other, false);

@@ -1,8 +1,10 @@
 #include <algorithm>
 #include <iterator>
+#include <memory>
 #include <string>
 #include <string_view>
 #include <type_traits>
+#include <utility>
 
 #include "spcbase/companion/connect_string.h"
 #include "spcbase/datasource/definition.h"
