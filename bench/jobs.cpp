@@ -16,6 +16,7 @@ std::vector<Job> all_jobs() {
           read_revision(),
           cached_revision(),
           list_revisions(),
+          list_definitions(),
           resolve_path(),
           slow_name(),
           scan_memory(),

@@ -68,6 +68,7 @@ Job add_after_10000();
 Job read_revision();
 Job cached_revision();
 Job list_revisions();
+Job list_definitions();
 Job resolve_path();
 Job slow_name();
 Job scan_memory();
