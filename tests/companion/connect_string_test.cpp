@@ -40,6 +40,7 @@ TEST(HidePassword, hides_the_values_of_odbc_in_braces_or_not) {
       {"PWD={a;b}};c};UID=anna", "PWD=***;UID=anna"},
       {"PWD={};UID=anna", "PWD=***;UID=anna"},
       {"PWD={a}}};UID=anna", "PWD=***;UID=anna"},
+      {"PWD=  ;UID=anna", "PWD=***  ;UID=anna"},
       {"PWD= {a;b} ;UID=anna", "PWD= *** ;UID=anna"},
       {"PWD==a=b;UID=anna", "PWD=***;UID=anna"},
       {"PWD=a{b;UID=anna", "PWD=***;UID=anna"},
@@ -100,9 +101,11 @@ TEST(HidePassword, hides_what_is_a_password_by_either_reading) {
 TEST(HidePassword, reads_the_files_that_hold_pairs_on_lines) {
   expect_each({
       {"[ODBC]\nDRIVER=x\nUID=sa\nPWD=secret\nSERVER=s\n", "[ODBC]\nDRIVER=x\nUID=sa\nPWD=***\nSERVER=s\n"},
+      {"[ODBC]\r\nPWD=\r\nUID=sa\r\n", "[ODBC]\r\nPWD=***\r\nUID=sa\r\n"},
       {"[oledb]\r\n; Everything after this line\r\nProvider=x;Password='a;b';User ID=u\r\n",
        "[oledb]\r\n; Everything after this line\r\nProvider=x;Password=***;User ID=u\r\n"},
   });
+  EXPECT_EQ(shown("[PWD=a;b]\nc;UID=u"), "[PWD=***;UID=u") << "pairs are no heading";
   EXPECT_EQ(shown("UID=sa\nPWD=secret\nSERVER=s"), "UID=sa\nPWD=***") << "without a heading a line end parts nothing";
 }
 

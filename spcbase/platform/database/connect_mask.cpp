@@ -127,7 +127,8 @@ class Masker {
   bool opens(std::size_t at) const { return at < text_.size() && closer_of(text_[at]) != '\0'; }
 
   void take_value(std::string_view key) {
-    const auto begin = std::min(text_.find_first_not_of(blanks, at_), text_.size());
+    const auto first = text_.find_first_not_of(blanks, at_);
+    const auto begin = first == text_.npos || text_[first] == ';' ? at_ : first;
     if (names_a_secret(key) && !is_switch(key, text_.substr(begin, plain_end(begin) - begin))) return hide(begin);
     if (uneven_ || !opens(begin)) return;
     if (const auto end = quoted_end(begin))
@@ -142,9 +143,25 @@ class Masker {
     std::optional<std::size_t> end;
     if (!uneven_) end = opens(value) ? quoted_end(value) : plain_end(begin);
     ran_over_ = !end;
-    passwords_.emplace_back(text_.substr(begin, end.value_or(text_.size()) - begin));
-    if (end && opens(value)) passwords_.push_back(unquoted(text_.substr(value, *end - value)));
+    const auto hidden = text_.substr(begin, end.value_or(text_.size()) - begin);
+    passwords_.emplace_back(hidden);
+    if (end && opens(value))
+      passwords_.push_back(unquoted(text_.substr(value, *end - value)));
+    else
+      remember_pieces(hidden);
     replace(begin, end ? behind_loose_words(*end) : text_.size(), mask);
+  }
+
+  /// Who reads quotes and braces in another way takes the password for one of these.
+  void remember_pieces(std::string_view hidden) {
+    constexpr std::string_view around = "{}\"'= \t\r\n\v\f";
+    for (std::size_t at = 0; at < hidden.size();) {
+      const auto piece = hidden.substr(at, hidden.substr(at).find(';'));
+      at += piece.size() + 1;
+      const auto first = piece.find_first_not_of(around);
+      if (first == piece.npos) continue;
+      passwords_.emplace_back(piece.substr(first, piece.find_last_not_of(around) + 1 - first));
+    }
   }
 
   /// Words that are no pairs belong to the password before them: its writer forgot the quotes around a semicolon.
@@ -199,7 +216,7 @@ bool inside_a_word(std::string_view text, std::size_t at, std::size_t length) no
 /// The file of a data source has its pairs on lines, behind a heading in brackets.
 bool is_file(std::string_view text) {
   const auto heading = trimmed(text.substr(0, text.find('\n')));
-  return heading.starts_with('[') && heading.ends_with(']');
+  return heading.starts_with('[') && heading.ends_with(']') && heading.find_first_of("=;") == heading.npos;
 }
 
 }  // namespace

@@ -33,7 +33,8 @@ bool same_word(std::string_view a, std::string_view b) noexcept;
 /// What `mask_passwords` gives.
 struct MaskedConnectText {
   std::string text;
-  /// What was hidden: each value as it stood, and without its quotes or braces when it had any.
+  /// What was hidden: each value as it stood, and as what it may be read for without quotes and braces. Never empty
+  /// when there was a password key.
   std::vector<std::string> passwords;
 };
 
