@@ -107,18 +107,21 @@ TEST(ScriptedSession, every_call_is_written_down_in_order_with_its_values) {
   EXPECT_EQ(update->rows_affected(), 1);
   std::uint32_t value = 0;
   session.information(86, value);
+  std::string text;
+  session.information_text(17, text);
   session.commit();
-  EXPECT_THAT(script->calls(),
-              ElementsAre(SeenCall{"begin", "", ""}, SeenCall{"prepare", "UPDATE T SET A=?, B=?, C=?", ""},
-                          SeenCall{"execute", "UPDATE T SET A=?, B=?, C=?", "1, 'it''s', NULL"},
-                          SeenCall{"information", "", "86"}, SeenCall{"commit", "", ""}));
+  EXPECT_THAT(
+      script->calls(),
+      ElementsAre(SeenCall{"begin", "", ""}, SeenCall{"prepare", "UPDATE T SET A=?, B=?, C=?", ""},
+                  SeenCall{"execute", "UPDATE T SET A=?, B=?, C=?", "1, 'it''s', NULL"},
+                  SeenCall{"information", "", "86"}, SeenCall{"information", "", "17"}, SeenCall{"commit", "", ""}));
   EXPECT_THAT(script->statements(), ElementsAre("UPDATE T SET A=?, B=?, C=?"));
 }
 
 TEST(ScriptedSession, capabilities_are_those_of_the_script) {
   const auto script = std::make_shared<Script>();
   script->transactions(false).quotes('[', ']').information(86, -1, 3).column_sizes_zero().link_is_dead(true);
-  script->server("Oracle 11").key("T", {"A"});
+  script->information_text(17, 0, "Oracle").server("Oracle 11").key("T", {"A"});
   script->on("Q").answer({"A"}, {});
   ScriptedSession session(script);
   EXPECT_FALSE(session.transactions_supported());
@@ -127,6 +130,9 @@ TEST(ScriptedSession, capabilities_are_those_of_the_script) {
   std::uint32_t value = 0;
   EXPECT_EQ(session.information(86, value), -1);
   EXPECT_EQ(value, 3U);
+  std::string text;
+  EXPECT_EQ(session.information_text(17, text), 0);
+  EXPECT_EQ(text, "Oracle");
   EXPECT_EQ(session.prepare("Q", Reading::all)->describe(0).precision, 0UL);
   EXPECT_TRUE(session.link_is_dead());
   EXPECT_EQ(session.describe_server(), "Oracle 11");

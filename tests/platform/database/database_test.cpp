@@ -58,6 +58,9 @@ TEST(CDatabase, without_a_connection_statements_fail_and_close_is_harmless) {
   EXPECT_EQ(caught([&] { db.BeginTrans(); }).code, AFX_SQL_ERROR_CONNECT_FAIL);
   DWORD value = 0;
   EXPECT_LT(db.GetInfo(86, value), 0);
+  CString text("before");
+  EXPECT_LT(db.information_text(17, text), 0);
+  EXPECT_EQ(text, "");
   EXPECT_TRUE(db.describe_server().IsEmpty());
   db.Close();
   EXPECT_FALSE(db.IsOpen());
@@ -71,6 +74,9 @@ TEST_P(CDatabaseTest, knows_its_text_its_server_and_that_it_has_transactions) {
   EXPECT_FALSE(db.link_is_dead());
   DWORD value = 0;
   EXPECT_TRUE(db.GetInfo(86, value) == 0 || db.GetInfo(86, value) == 1);
+  CString text;
+  EXPECT_EQ(db.information_text(17, text), 0);
+  EXPECT_EQ(text, on_mariadb() ? "MariaDB" : "SQLite");
   EXPECT_EQ(caught([&] { db.OpenEx(connect_text().c_str()); }).code, AFX_SQL_ERROR_ILLEGAL_MODE);
 }
 

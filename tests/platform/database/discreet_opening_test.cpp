@@ -1,7 +1,7 @@
 // Plan
 //   failing to open   a wrong password, host, driver, file, malformed texts, in each spelling: no password in what is
 //                     told, and the reason still there
-//   staged            a driver that repeats its connect text in every record
+//   echo              a driver that repeats what happens to be the password, in its text and in its origin
 //   messages          what is replaced and what is left
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -18,6 +18,7 @@ namespace {
 using database_test::Caught;
 using database_test::caught;
 using spcdb::mask_passwords_in_message;
+using testing::AnyOf;
 using testing::HasSubstr;
 using testing::Not;
 
@@ -72,17 +73,33 @@ TEST(FailingToOpen, a_host_that_is_not_there_tells_no_password) {
     expect_discreet(failure_of("Driver={MariaDB Unicode};SERVER=127.0.0.1;PORT=9;UID=u;" + pair));
 }
 
-TEST(FailingToOpen, a_wrong_password_is_not_told) {
+/// The way to the server with other credentials than the right ones.
+std::string with_credentials(const std::string& credentials) {
   const auto own = test_support::PrivateMariaDb::shared().create_database();
-  const auto right = own.odbc_connect_text();
-  const auto at = right.find("PWD=");
-  ASSERT_NE(at, right.npos);
-  const auto behind = right.find(';', at);
+  std::string text;
+  for (const auto& item : spcdb::parse_connect_text(own.odbc_connect_text()))
+    if (item.key != "PWD" && item.key != "UID" && item.key != "DB") text += item.key + "={" + item.value + "};";
+  return text + credentials;
+}
+
+TEST(FailingToOpen, a_wrong_password_is_not_told) {
   for (const auto& pair : password_pairs()) {
-    const auto failure =
-        failure_of(right.substr(0, at) + (behind == right.npos ? "" : right.substr(behind + 1) + ";") + pair);
+    const auto failure = failure_of(with_credentials("UID=spc;" + pair));
     expect_discreet(failure);
+    EXPECT_THAT(failure.text, AnyOf(HasSubstr("Access denied for user"), HasSubstr("Error while parsing DSN")));
   }
+}
+
+TEST(FailingToOpen, a_password_that_the_driver_repeats_is_hidden) {
+  const auto failure = failure_of(with_credentials(std::string("UID=") + secret + ";PWD=" + secret));
+  expect_discreet(failure);
+  EXPECT_THAT(failure.text, HasSubstr("Access denied for user '***'@"));
+}
+
+TEST(FailingToOpen, state_and_number_stay_readable_whatever_the_password_is) {
+  EXPECT_THAT(failure_of(with_credentials("UID=u;PWD=1045")).state, HasSubstr("State:28000,Native:1045,Origin:[ma-"));
+  EXPECT_THAT(failure_of(with_credentials("UID=u;PWD=Native")).state, HasSubstr("State:28000,Native:1045,Origin:[ma-"));
+  EXPECT_THAT(failure_of(with_credentials("UID=u;PWD=[ma-")).state, HasSubstr("State:28000,Native:1045,Origin:***"));
 }
 
 TEST(FailingToOpen, a_text_without_driver_or_source_is_not_repeated) {

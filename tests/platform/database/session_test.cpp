@@ -322,6 +322,29 @@ TEST_P(SessionTest, transactions_are_reported_and_the_light_check_answers) {
   EXPECT_FALSE(session->link_is_dead());
 }
 
+TEST_P(SessionTest, facts_that_are_texts_are_given_whole) {
+  std::string text = "before";
+  EXPECT_EQ(session->information_text(17, text), 0);
+  EXPECT_EQ(text, on_mariadb() ? "MariaDB" : "SQLite");
+  EXPECT_EQ(session->information_text(18, text), 0);
+  EXPECT_TRUE(text.starts_with(on_mariadb() ? "10." : "3.")) << text;
+  EXPECT_EQ(session->information_text(29, text), 0);
+  EXPECT_EQ(text, GetParam() == Server::sqlite_odbc ? "\"" : "`");
+  EXPECT_EQ(session->information_text(10003, text), 0);
+  EXPECT_EQ(text, on_mariadb() ? "Y" : "N");
+  EXPECT_EQ(session->information_text(64999, text), -1);
+  EXPECT_EQ(text, "") << "empty when it is refused";
+}
+
+TEST_P(SessionTest, a_refused_question_for_a_text_says_what_the_driver_said) {
+  test_support::FailKthCall hook(1);
+  session->gate().set_hook(on_sqlite() ? nullptr : &hook);
+  std::string text = "before";
+  EXPECT_EQ(session->information_text(17, text), on_sqlite() ? 0 : -1) << "without a driver nobody can refuse";
+  EXPECT_EQ(text, on_sqlite() ? "SQLite" : "");
+  session->gate().set_hook(nullptr);
+}
+
 TEST_P(SessionTest, the_server_is_described_for_people) {
   const auto server = session->describe_server();
   EXPECT_TRUE(server.starts_with(on_mariadb() ? "MariaDB 10." : "SQLite 3.")) << server;
