@@ -53,7 +53,8 @@ std::vector<std::string> environment() {
 }
 
 Answer run_with(std::vector<std::string> variables, const std::vector<std::string>& arguments,
-                const std::function<void(const std::string&)>& on_error_line) {
+                const std::function<void(const std::string&)>& on_error_line,
+                const std::function<void()>& prepare = {}) {
   const test_support::ScratchFolder folder;
   std::vector<std::string> texts = {SPC_PROGRAM};
   texts.insert(texts.end(), arguments.begin(), arguments.end());
@@ -66,6 +67,7 @@ Answer run_with(std::vector<std::string> variables, const std::vector<std::strin
   if (process == 0) {
     ::dup2(out, STDOUT_FILENO);
     ::dup2(ends[1], STDERR_FILENO);
+    if (prepare) prepare();
     ::execve(SPC_PROGRAM, argv.data(), envp.data());
     ::_exit(127);
   }
@@ -102,6 +104,19 @@ Answer run_in_zone(const std::string& zone, const std::vector<std::string>& argu
   variables.push_back("TZ=" + zone);
   variables.insert(variables.end(), more.begin(), more.end());
   return run_with(std::move(variables), arguments, {});
+}
+
+Answer run_prepared(const std::vector<std::string>& arguments, const std::function<void()>& prepare) {
+  return run_with(environment(), arguments, {}, prepare);
+}
+
+Answer run_with_line(const std::vector<std::string>& arguments, const std::string& line) {
+  const test_support::ScratchFolder folder;
+  std::ofstream(folder.file("line")) << line << '\n';
+  return run_prepared(arguments, [&] {
+    ::dup2(::open("/dev/null", O_RDONLY | O_CLOEXEC), STDIN_FILENO);
+    ::dup2(::open(folder.file("line").c_str(), O_RDONLY | O_CLOEXEC), 3);
+  });
 }
 
 EmptyDatabase::EmptyDatabase(test_support::ServerKind kind) {

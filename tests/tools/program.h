@@ -35,6 +35,12 @@ Answer run(const std::vector<std::string>& arguments, const std::string& home = 
 Answer run_in_zone(const std::string& zone, const std::vector<std::string>& arguments,
                    const std::vector<std::string>& more = {});
 
+/// As `run`; `prepare` is called in the new process before the command begins there: it may open files for it.
+Answer run_prepared(const std::vector<std::string>& arguments, const std::function<void()>& prepare);
+
+/// As `run`, without anybody at standard input; `line` and a line end stand on the file descriptor 3.
+Answer run_with_line(const std::vector<std::string>& arguments, const std::string& line);
+
 /// A test that runs the command on a database with the schema.
 class OnDatabase : public test_support::DatabaseTest {
  protected:

@@ -23,7 +23,8 @@ struct Head {
   std::string version;
   std::optional<int> id;
   std::optional<int> kind;
-  std::string enciphered;  ///< a connection string that is to be deciphered; may be empty
+  std::string connection;    ///< of the element "connection_string"
+  std::string connection_2;  ///< of "connection_string_2", which is always deciphered
 };
 
 Head read_head(const std::string& xml) {
@@ -41,7 +42,8 @@ Head read_head(const std::string& xml) {
     const std::string text = value.length() == 0 ? "" : static_cast<const char*>(value);
     if (name == "id") head.id = std::atoi(text.c_str());
     if (name == "flag1") head.kind = std::atoi(text.c_str());
-    if (name.starts_with("connection_string")) head.enciphered = text;
+    if (name == "connection_string") head.connection = text;
+    if (name == "connection_string_2") head.connection_2 = text;
   }
   return head;
 }
@@ -81,7 +83,12 @@ int kind_of_file(const Head& head, const SourceRequest& request, const std::stri
   return wanted;
 }
 
-bool is_deciphered(const Head& head, int kind) { return kind == ADONETDBInfo::kind || plain_number(head.version) > 2; }
+/// Whether what is to be deciphered is a text for people: one whose password was hidden.
+bool is_hidden(const Head& head, int kind) {
+  constexpr int last_without_cipher = 3;
+  const bool deciphers_first = kind == ADONETDBInfo::kind || plain_number(head.version) > last_without_cipher;
+  return !looks_enciphered(head.connection_2) || (deciphers_first && !looks_enciphered(head.connection));
+}
 
 Definition read_file_definition(const std::string& xml, const SourceRequest& request, const std::string& what) {
   const Head head = doing(what, [&] { return read_head(xml); });
@@ -92,7 +99,7 @@ Definition read_file_definition(const std::string& xml, const SourceRequest& req
   const int kind = kind_of_file(head, request, what);
   Definition definition = definition_of_kind(kind);
   if (request.file_id) base_of(definition).id = *request.file_id;
-  if (is_deciphered(head, kind) && !looks_enciphered(head.enciphered))
+  if (is_hidden(head, kind))
     throw Problem{what, "its connection string is not enciphered, since it was exported with its password hidden",
                   "Export it again without --hide-password, or add the data source anew with spc source add."};
   const auto outcome = guarded([&] {
@@ -146,6 +153,7 @@ int import_source(const Place& place, const SourceRequest& request, const Termin
   // Under this id it was enciphered; the row gets one of its own.
   const int old_id = std::exchange(base_of(definition).id, 0);
   apply(request.fields, definition, what);
+  if (base_of(definition).name.IsEmpty()) throw Problem{what, "it has no name", "Give it one with --name."};
   Link link(connect_text_of(place, false), trace_of(terminal));
   require_free_name(read_source_rows(link, 0, what), definition, what);
   store_new(link, definition, request.max_size, what);
