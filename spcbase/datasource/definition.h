@@ -35,8 +35,6 @@
 #include "spcbase/platform/system/export.h"
 #include "spcbase/platform/text/cstring.h"
 
-class RSExtDB;
-
 /// What both kinds have.
 class SPCBASE_API DataSourceInfoBase {
  public:
@@ -116,7 +114,8 @@ class SPCBASE_API OLEDBInfo : public DataSourceInfoBase {
   static OLEDBInfo* retrieve(CDatabase* database, int maximum_blob_size, int id);
   /// Reads the row again if its time differs from `modified_time`. Gives a RefreshResult.
   int refresh(CDatabase* database, int maximum_blob_size);
-  /// Marks the row as removed.
+  /// Marks the row as removed; a removed one stays so.
+  /// Fails: also CDBException* with code 1008 when the row goes away meanwhile.
   void remove(CDatabase* database);
   /// Writes the row, whoever has written it in between; `modified_time` becomes the local time of writing. A removed
   /// row stays removed.

@@ -123,7 +123,7 @@ void remove_row(CDatabase* database, int id) {
 /// What a removal fails with when nothing was changed.
 constexpr RETCODE nothing_removed = 1008;
 
-/// Sends a change. False when nothing was done, a row that vanished meanwhile included.
+/// Sends the change. Fails: CDBException* with that code too when the row has vanished since it was read.
 void require_update(CRecordset& rows) {
   try {
     if (rows.Update() == FALSE) AfxThrowDBException(nothing_removed, "Nothing was removed.");
