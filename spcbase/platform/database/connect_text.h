@@ -39,8 +39,8 @@ struct MaskedConnectText {
 };
 
 /// Replaces the value of every password key (PWD, Password, ...) by ***, an empty one too, with its quotes or braces.
-/// Reads the spellings of ODBC, OLE DB and ADO.NET and pairs inside of quoted values. Where quotes or braces do not come
-/// out even, everything from the first password on is hidden. Masking what was masked changes nothing.
+/// Reads the spellings of ODBC, OLE DB and ADO.NET and pairs inside of quoted values. Where quotes or braces do not
+/// come out even, everything from the first password on is hidden. Masking what was masked changes nothing.
 MaskedConnectText mask_passwords(std::string_view text);
 /// Replaces in a message whatever `mask_passwords` hides in a connect text: drivers repeat what they were given. A
 /// password of one or two letters is hidden where it is a word, so that the message can still be read.
