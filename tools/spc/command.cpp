@@ -128,7 +128,9 @@ int run(int argc, const char* const* argv, std::ostream& out, std::ostream& err,
   add_data_tasks(app, request);
   add_revision_tasks(app, request);
   add_time_tasks(app, request);
+  add_tree_tasks(app, request);
   add_source_tasks(app, request);
+  add_doctor_tasks(app, request);
   add_demo(app, request);
   try {
     if (const auto status = parse(app, request, argc, argv, out, err)) return *status;

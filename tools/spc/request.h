@@ -7,6 +7,7 @@
 #include <functional>
 #include <string>
 
+#include "tools/spc/doctor/doctor.h"
 #include "tools/spc/source_request.h"
 #include "tools/spc/tasks.h"
 
@@ -31,6 +32,9 @@ struct Request {
   RangeRequest range;
   ScheduleRequest schedule;
   SourceRequest source;
+  DoctorRequest doctor;
+  PathRequest path;
+  TreeRequest tree;
   std::function<int(const Terminal&)> task;
 };
 
@@ -45,6 +49,12 @@ void add_revision_tasks(CLI::App& app, Request& request);
 
 /// Adds `spc range` and `spc schedule`.
 void add_time_tasks(CLI::App& app, Request& request);
+
+/// Adds `spc path` and `spc tree`.
+void add_tree_tasks(CLI::App& app, Request& request);
+
+/// Adds `spc doctor`.
+void add_doctor_tasks(CLI::App& app, Request& request);
 
 /// Adds `spc source`.
 void add_source_tasks(CLI::App& app, Request& request);

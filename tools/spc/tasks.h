@@ -46,6 +46,19 @@ struct RevisionRequest {
   int max_size = 0;
 };
 
+/// What `spc path` is given.
+struct PathRequest {
+  std::string path;  ///< or a number
+  std::string kind;  ///< empty: all
+};
+
+/// What `spc tree` is given.
+struct TreeRequest {
+  std::string path;  ///< or a number; empty: the root
+  int depth = 0;     ///< 0: all levels
+  bool all = false;  ///< with what is hidden
+};
+
 /// What `spc range` is given.
 struct RangeRequest {
   std::string line;
@@ -89,6 +102,9 @@ int approve_revision(const Place& place, const RevisionRequest& request, const T
 /// Without `yes` they say what they would change, and fail.
 int rebuild_revisions(const Place& place, bool yes, const Terminal& terminal);
 int reset_revisions(const Place& place, bool yes, const Terminal& terminal);
+/// `as_user` as above.
+int show_path(const Place& place, const PathRequest& request, int as_user, const Terminal& terminal);
+int show_tree(const Place& place, const TreeRequest& request, int as_user, const Terminal& terminal);
 /// They need no database.
 int show_range(const RangeRequest& request, const Terminal& terminal);
 int show_schedule(const ScheduleRequest& request, const Terminal& terminal);
