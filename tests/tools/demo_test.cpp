@@ -1,8 +1,11 @@
 // Plan, on SQLite and on a private MariaDB server
-//   The demo builds, saves and reads back, and shows a history of revisions; JSON; a trace that masks passwords; what
-//   stands is what the files say A second run begins anew; a database in use, and one with other samples, are left
-//   alone A temporary file goes; --keep keeps one that the other commands work on, and refuses one that exists What is
-//   compiled in is what stands in tools/spc/data
+//   The demo builds, saves and reads back, and shows a history of revisions, the tree, objects by path, data sources as
+//     two users see them, and an old definition before and after; JSON; a trace that masks passwords; what stands is
+//     what the files say
+//   A second run begins anew; a database in use, and one with other samples, are left
+//     alone
+//   A temporary file goes; --keep keeps one that the other commands work on, and refuses one that exists
+//   What is compiled in is what stands in tools/spc/data
 #include <gtest/gtest.h>
 
 #include <filesystem>
@@ -66,7 +69,7 @@ TEST_P(Demo, tells_its_steps_in_json) {
   const Answer demo = spc({"demo", "--json"});
   ASSERT_EQ(demo.status, 0) << demo;
   const auto told = json_check::parse(demo.out);
-  ASSERT_EQ(told["steps"].items.size(), 7U);
+  ASSERT_EQ(told["steps"].items.size(), 10U);
   EXPECT_EQ(told["steps"].items[2]["step"].text, "import piston_rings.csv");
   EXPECT_EQ(told["steps"].items[2]["rows"].number, 200);
   EXPECT_EQ(told["examples"].items.size(), 3U);
@@ -87,6 +90,51 @@ TEST_P(Demo, shows_how_a_profile_came_to_be) {
         "Compared with the drawing\n",
         "         1      0.1  TIME  anna   First draft\n"})
     EXPECT_NE(shown.find(line), std::string::npos) << line << demo;
+}
+
+TEST_P(Demo, shows_the_tree_and_finds_objects_by_path) {
+  const Answer demo = spc({"demo"});
+  for (const char* line :
+       {"└── Plant/ (1)\n", "        ├── Line 1/ (3)\n", "        │   └── Piston rings (profile 1)\n",
+        "  enterprise:/Plant/Forge/Line 1/Piston rings|approved  profile       1  latest approved  5, version 1.0\n",
+        "  \\Plant\\Forge\\Line 1\\Piston rings|2                    profile       1  2                2, version "
+        "0.2\n",
+        "  /plant/electronics/BOARD DEFECTS                      monitor       4  latest\n"})
+    EXPECT_TRUE(demo.says(line)) << line << demo;
+  const auto told = json_check::parse(spc({"--json", "demo"}).out);
+  ASSERT_EQ(told["paths"].items.size(), 4U);
+  EXPECT_EQ(told["paths"].items[0]["asked"].text, "latest approved");
+  EXPECT_EQ(told["paths"].items[0]["revision"].text, "5, version 1.0");
+  EXPECT_EQ(told["tree"].kind, json_check::Value::Kind::object);
+}
+
+TEST_P(Demo, shows_what_two_users_see_of_the_data_sources) {
+  const auto told = json_check::parse(spc({"--json", "demo"}).out);
+  ASSERT_EQ(told["data_sources"].items.size(), 3U);
+  std::vector<std::string> seen;
+  for (const auto& source : told["data_sources"].items) {
+    std::string& by = seen.emplace_back();
+    for (const auto& user : source["seen_by"].items)
+      by += user.text + " ";
+  }
+  EXPECT_EQ(seen, (std::vector<std::string>{"anna ", "bo ", "anna bo "}));
+  EXPECT_EQ(json_check::parse(spc({"--json", "--as-user", "1", "source", "list"}).out).items.size(), 2U);
+  EXPECT_EQ(json_check::parse(spc({"--json", "--as-user", "2", "source", "list"}).out).items.size(), 2U);
+  EXPECT_EQ(json_check::parse(spc({"--json", "source", "list"}).out).items.size(), 4U) << "and the old one";
+}
+
+TEST_P(Demo, renews_an_old_definition) {
+  const Answer demo = spc({"demo"});
+  EXPECT_TRUE(demo.says("  connection_string  DSN=archive;Trusted_Connection=yes  connection_string_2  AQAA")) << demo;
+  EXPECT_TRUE(demo.says("  identifier_quote  \"                                    quote_prefix  \"\n")) << demo;
+  EXPECT_TRUE(spc({"source", "show", "Archive"}).says("connection   DSN=archive;Trusted_Connection=yes\n"));
+}
+
+TEST_P(Demo, shows_no_password) {
+  const Answer demo = spc({"--trace", "demo"});
+  EXPECT_TRUE(demo.says("Provider=MSDASQL;Data Source=goods;User ID=spc;Password=***")) << demo;
+  EXPECT_FALSE(demo.says("conveyor"));
+  EXPECT_FALSE(demo.complains("conveyor"));
 }
 
 TEST_P(Demo, begins_anew_in_the_database_of_an_earlier_demo) {

@@ -3,6 +3,7 @@
 #include <chrono>
 #include <filesystem>
 #include <iomanip>
+#include <memory>
 #include <sstream>
 
 #include "schema/description.h"
@@ -12,12 +13,15 @@
 #include "tools/spc/demo_database.h"
 #include "tools/spc/demo_files.h"
 #include "tools/spc/demo_history.h"
+#include "tools/spc/demo_sources.h"
+#include "tools/spc/demo_tree.h"
 #include "tools/spc/embedded_data.h"
 #include "tools/spc/problem.h"
 #include "tools/spc/revisions.h"
 #include "tools/spc/sample_view.h"
 #include "tools/spc/schema_work.h"
 #include "tools/spc/table.h"
+#include "tools/spc/tree_view.h"
 
 namespace spc {
 namespace {
@@ -62,12 +66,32 @@ class Demo {
       step.rows = 2 * history_.size();
       step.result = counted(history_.size(), "revision") + ", all payloads as they were saved";
     });
+    take("find objects by path", [&](Step& step) {
+      tree_ = std::make_unique<NodeTree>(link_, 0);
+      found_ = find_by_paths(link_, plant, history_);
+      step.rows = found_.size();
+      step.result = counted(found_.size(), "path") + ", one to the latest approved revision";
+    });
+    take("keep data sources", [&](Step& step) {
+      sources_ = make_sources(link_, plant);
+      step.rows = sources_.size();
+      step.result = counted(sources_.size(), "data source") + ", of which anna sees 2 and bo sees 2";
+    });
+    take("renew an old definition", [&](Step& step) {
+      renewal_ = renew_old_source(link_);
+      step.rows = 1;
+      step.result = "version 2 read, saved in the present form";
+    });
   }
 
   const std::vector<Step>& steps() const { return steps_; }
   /// The revisions of the first profile, the latest first.
   const std::vector<rev::RevisionBaseInfo>& history() const { return history_; }
   const std::string& history_of() const { return entered_.front().shape.name; }
+  const NodeTree& tree() const { return *tree_; }
+  const std::vector<FoundByPath>& found() const { return found_; }
+  const std::vector<SeenSource>& sources() const { return sources_; }
+  const std::vector<ChangedElement>& renewal() const { return renewal_; }
   /// The samples that are shown: one of each profile.
   std::vector<SampleView> examples() {
     std::vector<SampleView> views;
@@ -168,6 +192,10 @@ class Demo {
   std::vector<Step> steps_;
   std::vector<Entered> entered_;
   std::vector<rev::RevisionBaseInfo> history_;
+  std::unique_ptr<NodeTree> tree_;
+  std::vector<FoundByPath> found_;
+  std::vector<SeenSource> sources_;
+  std::vector<ChangedElement> renewal_;
 };
 
 std::string milliseconds_text(double milliseconds) {
@@ -192,6 +220,14 @@ void print_for_people(std::ostream& out, Demo& demo, Link& link, const DemoDatab
   }
   out << "\nThe history of " << demo.history_of() << "\n\n";
   print_history(out, demo.history(), "  ");
+  out << "\nThe tree of the plant\n\n";
+  print_tree(out, demo.tree(), TreePart());
+  out << "\nFound by path\n\n";
+  print_found(out, demo.found(), "  ");
+  out << "\nThe data sources, and who sees them\n\n";
+  print_seen(out, demo.sources(), "  ");
+  out << "\nA definition of version 2\n\n";
+  print_renewal(out, demo.renewal(), "  ");
   out << '\n' << database.farewell() << '\n';
 }
 
@@ -215,6 +251,14 @@ void print_for_machines(std::ostream& out, Demo& demo, Link& link) {
   json.end_array();
   json.key("history");
   write_history(json, demo.history());
+  json.key("tree");
+  write_tree(json, demo.tree(), TreePart());
+  json.key("paths");
+  write_found(json, demo.found());
+  json.key("data_sources");
+  write_seen(json, demo.sources());
+  json.key("renewal");
+  write_renewal(json, demo.renewal());
   json.end_object();
 }
 
