@@ -10,10 +10,14 @@
 
 namespace spc {
 
+/// What may be wrong with how a setting is stored.
+enum class SettingFault : unsigned char { none, doubled_piece, missing_piece, bad_digit, half_byte };
+
 /// One setting.
 struct SettingView {
   std::string key;
   std::string bytes;
+  SettingFault fault = SettingFault::none;
   std::string damage;  ///< why the bytes may not be what was stored; empty when nothing is wrong
 };
 
