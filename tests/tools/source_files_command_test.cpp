@@ -96,9 +96,8 @@ TEST_P(SourceFiles, import_gives_a_new_id_and_enciphers_anew) {
   source({"remove", "1"});
   const Answer imported = source({"import", file("w.xml")});
   EXPECT_EQ(imported.status, 0) << imported;
-  EXPECT_EQ(imported.out, "Imported " + file("w.xml") +
-                              " as data source 2 Warehouse (OLE DB); its id in the file, 1, was needed to decipher it "
-                              "and is not kept\n");
+  EXPECT_EQ(imported.out,
+            "Imported " + file("w.xml") + " as data source 2 Warehouse (OLE DB); the id that it had, 1, is not kept\n");
   EXPECT_NE(cipher_in(definition(2)), cipher_in(definition(1)));
   EXPECT_EQ(source_json({"show", "2"})["connection_string"].text, "DSN=wh;UID=anna;PWD=***");
   // The passwords are the same: what is exported under the old id can be read there alone.
@@ -182,6 +181,8 @@ TEST_P(SourceFiles, import_wants_a_file_with_a_name) {
   const Answer unnamed = import("<external_database version=\"4\"><flag1>0</flag1></external_database>");
   EXPECT_EQ(unnamed.status, 1);
   EXPECT_TRUE(unnamed.complains("it has no name")) << unnamed;
+  EXPECT_EQ(source({"import", file("in.xml"), "--name", "x"}).out,
+            "Imported " + file("in.xml") + " as data source 1 x (OLE DB)\n");
 }
 
 }  // namespace

@@ -60,6 +60,22 @@ TEST_P(SourcePassword, comes_from_a_file_descriptor_and_is_quoted_where_it_must_
   }
 }
 
+TEST_P(SourcePassword, comes_through_a_pipe_of_which_nothing_else_is_read) {
+  std::array<int, 2> ends{};
+  ASSERT_EQ(::pipe2(ends.data(), O_CLOEXEC), 0);
+  const std::string given = "piped\nrest";
+  ASSERT_EQ(::write(ends[1], given.data(), given.size()), static_cast<ssize_t>(given.size()));
+  const Answer added = command_test::run_prepared({"--connect", database().connect_text(), "source", "add", "a",
+                                                   "--connection-string", "DSN=wh", "--password-fd", "0"},
+                                                  [&] { ::dup2(ends[0], STDIN_FILENO); });
+  EXPECT_EQ(added.out, "Added data source 1 a (OLE DB), with a password\n") << added;
+  EXPECT_EQ(clear_connection_of(1), "DSN=wh;PWD=piped");
+  std::array<char, 8> rest{};
+  EXPECT_EQ(::read(ends[0], rest.data(), rest.size()), 4);
+  ::close(ends[0]);
+  ::close(ends[1]);
+}
+
 TEST_P(SourcePassword, takes_the_place_of_the_old_one) {
   add("a", {"--connection-string", "DSN=wh;UID=anna", "--password-fd", "3"});
   EXPECT_EQ(source({"edit", "a", "--password-fd", "3"}, "n;w").out,

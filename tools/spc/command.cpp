@@ -93,7 +93,7 @@ void add_demo(CLI::App& app, Request& request) {
 
 /// What is wrong with the arguments. A word that is wrong may be a password, given where none may stand.
 std::string told(const CLI::ParseError& error) {
-  const std::string text = error.what();
+  std::string text = error.what();
   const bool repeats_words = dynamic_cast<const CLI::ExtrasError*>(&error) != nullptr ||
                              dynamic_cast<const CLI::ConversionError*>(&error) != nullptr ||
                              dynamic_cast<const CLI::ValidationError*>(&error) != nullptr;

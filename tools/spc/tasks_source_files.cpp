@@ -166,8 +166,9 @@ int import_source(const Place& place, const SourceRequest& request, const Termin
     json.key("file_id").value(old_id);
     json.end_object();
   } else {
-    terminal.out << "Imported " << request.file << " as " << described(definition) << "; its id in the file, " << old_id
-                 << ", was needed to decipher it and is not kept\n";
+    terminal.out << "Imported " << request.file << " as " << described(definition);
+    if (old_id != 0) terminal.out << "; the id that it had, " << old_id << ", is not kept";
+    terminal.out << '\n';
   }
   return exit_done;
 }
