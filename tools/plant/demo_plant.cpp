@@ -55,7 +55,7 @@ Known add_folder(Builder& builder, const std::string& name, int parent) {
 }
 
 Known add_monitor(Builder& builder, const std::string& name, const std::string& description, int folder) {
-  const Known monitor = {builder.add_monitor(name, description), name};
+  Known monitor = {builder.add_monitor(name, description), name};
   builder.put_monitor(folder, monitor.id);
   return monitor;
 }

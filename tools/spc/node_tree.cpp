@@ -1,7 +1,6 @@
 #include "tools/spc/node_tree.h"
 
 #include <algorithm>
-#include <map>
 #include <tuple>
 #include <unordered_map>
 
@@ -98,11 +97,14 @@ void NodeTree::read_folders(Link& link) {
 }
 
 std::span<const Folder> NodeTree::folders_in(int folder) const {
-  return std::ranges::equal_range(folders_, std::optional<int>(folder), {}, &Folder::parent);
+  const std::optional<int> parent(folder);
+  return {std::ranges::lower_bound(folders_, parent, {}, &Folder::parent),
+          std::ranges::upper_bound(folders_, parent, {}, &Folder::parent)};
 }
 
 std::span<const Member> NodeTree::members_of(int folder) const {
-  return std::ranges::equal_range(members_, folder, {}, &Member::folder);
+  return {std::ranges::lower_bound(members_, folder, {}, &Member::folder),
+          std::ranges::upper_bound(members_, folder, {}, &Member::folder)};
 }
 
 /// For each folder whether a way from the root leads there.

@@ -11,7 +11,7 @@ namespace spc {
 namespace {
 
 std::vector<ObjectKind> kinds_of(const std::string& word) {
-  const std::vector<ObjectKind> all = {ObjectKind::folder, ObjectKind::monitor, ObjectKind::profile};
+  std::vector<ObjectKind> all = {ObjectKind::folder, ObjectKind::monitor, ObjectKind::profile};
   if (word.empty()) return all;
   for (const auto kind : all)
     if (word == word_of(kind)) return {kind};
