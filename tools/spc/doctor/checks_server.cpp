@@ -107,8 +107,11 @@ std::optional<double> seconds_ahead(Examination& examination) {
   return (COleDateTime(theirs).m_dt - COleDateTime(ours).m_dt) * seconds_per_day;
 }
 
-/// Zones lie whole quarters of an hour apart.
-double zone_part(double seconds) { return std::round(seconds / quarter_seconds) * quarter_seconds; }
+/// What of a difference is one of zones, which lie whole quarters of an hour apart.
+double zone_part(double seconds) {
+  constexpr double widest_seconds = 26 * 3600;
+  return std::abs(seconds) > widest_seconds ? 0 : std::round(seconds / quarter_seconds) * quarter_seconds;
+}
 
 void look_at_zone(Examination& examination) {
   const auto ahead = seconds_ahead(examination);
