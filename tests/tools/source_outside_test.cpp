@@ -1,15 +1,17 @@
 // Plan, on SQLite and on a private MariaDB server, each of which leads back to itself as the outside database
 //   test: server, syntax, names, quotes, time, for both kinds; JSON; --save stores what was learnt, without it nothing
 //     is stored
-//   rewrite: all, one kind, none; the failed ones with their reasons, which stand as they were; old versions come out
-//   in
+//   rewrite: all, one kind, none; the failed ones with their reasons, which stand as they were; progress; old versions
+//   come out in
 //     the present form; removed ones are passed over
 //   Bad input: no connection string, a driver that is none, a login that is refused, a future version
 #include <gtest/gtest.h>
 
 #include <regex>
+#include <sstream>
 
 #include "tests/tools/source_fixture.h"
+#include "tools/spc/command.h"
 
 namespace {
 
@@ -130,6 +132,19 @@ TEST_P(SourceOutside, rewrite_ends_with_the_failed_ones_and_their_reasons) {
   EXPECT_EQ(told["saved"].number, 1);
   ASSERT_EQ(told["failed"].items.size(), 3U);
   EXPECT_EQ(told["failed"].items[0]["id"].number, 2);
+}
+
+TEST_P(SourceOutside, rewrite_shows_how_far_it_is_when_somebody_looks_on) {
+  for (const char* name : {"a", "b"})
+    add(name);
+  const std::string connect = database().connect_text();
+  const std::vector<const char*> arguments = {"spc", "--connect", connect.c_str(), "source", "rewrite"};
+  std::ostringstream out;
+  std::ostringstream err;
+  EXPECT_EQ(spc::run(static_cast<int>(arguments.size()), arguments.data(), out, err, true), 0);
+  EXPECT_EQ(out.str(), "Found 2 data sources, saved 2\n");
+  EXPECT_NE(err.str().find("\rrewriting [###############               ] 1/2"), std::string::npos) << err.str();
+  EXPECT_TRUE(err.str().ends_with("\r\x1b[K")) << "the bar is wiped";
 }
 
 TEST_P(SourceOutside, a_future_version_can_be_tested_and_is_not_saved) {
