@@ -16,6 +16,7 @@ class SPCBASE_API ConnectStringUtil {
  public:
   CString text;  ///< the string as it stands at the moment
 
+  /// Keeps a copy of the text.
   explicit ConnectStringUtil(const CString& connection_string) : text(connection_string) {}
 
   /// Replaces the value of every password key by "***", with its quotes or braces; every other pair stays as it is. A

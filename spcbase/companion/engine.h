@@ -35,6 +35,7 @@ struct IQsmSPC : IUnknown {
   ~IQsmSPC() = default;
 };
 
+/// The pointer that the engine is passed in.
 using IQsmSPCPtr = _com_ptr_t<IQsmSPC>;
 
 }  // namespace SPCLib

@@ -37,6 +37,6 @@ class SPCBASE_API OLEDBConnection {
   CString quote_prefix;  ///< around an identifier, empty where none can be quoted
   CString quote_suffix;
 
-  bool msjet = false;
-  bool new_datetime_type = false;
+  bool msjet = false;              ///< what `is_msjet` says
+  bool new_datetime_type = false;  ///< what `has_sql_server_new_datetime_type` says
 };

@@ -19,7 +19,7 @@
 /// Four texts. Moments are patterns in the manner of `strftime`: %Y %m %d %H %M %S.
 class SPCBASE_API UserDefinedSyntaxInfo {
  public:
-  CString date_literal;
+  CString date_literal;  ///< how a date, a time of day and a moment are written
   CString time_literal;
   CString timestamp_literal;
   CString concatenation;  ///< the operator that joins texts

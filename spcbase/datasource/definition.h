@@ -43,8 +43,8 @@ class SPCBASE_API DataSourceInfoBase {
   DataSourceInfoBase& operator=(const DataSourceInfoBase&) = default;
   virtual ~DataSourceInfoBase();
 
-  int id = 0;  ///< of the row; also the key of the cipher
-  CString name;
+  int id = 0;                 ///< of the row; also the key of the cipher
+  CString name;               ///< for people
   CString connection_string;  ///< clear, password included
 };
 
@@ -54,11 +54,11 @@ enum RefreshResult : int { refresh_unchanged = 0, refresh_changed = 1, refresh_m
 /// A source of the kind OLE DB.
 class SPCBASE_API OLEDBInfo : public DataSourceInfoBase {
  public:
-  CString description;
-  CString type;   ///< free text
-  int flag2 = 0;  ///< a number of the host's
-  COleDateTime modified_time;
-  bool quote_catalog = true;  ///< whether that kind of identifier is quoted
+  CString description;         ///< for people
+  CString type;                ///< free text
+  int flag2 = 0;               ///< a number of the host's
+  COleDateTime modified_time;  ///< local time; null for a definition that is not stored
+  bool quote_catalog = true;   ///< whether that kind of identifier is quoted
   bool quote_schema = true;
   bool quote_table = true;
   bool quote_column = true;
@@ -122,6 +122,7 @@ class SPCBASE_API OLEDBInfo : public DataSourceInfoBase {
   void save(CDatabase* database, int maximum_blob_size);
 
  protected:
+  /// Becomes a copy, with a syntax of its own.
   void copy_object(const OLEDBInfo& other);
 
  private:
@@ -133,12 +134,12 @@ class SPCBASE_API OLEDBInfo : public DataSourceInfoBase {
 /// A source of the kind ADO.NET.
 class SPCBASE_API ADONETDBInfo : public DataSourceInfoBase {
  public:
-  CString description;
-  CString type;   ///< free text
-  int flag2 = 0;  ///< a number of the host's
-  COleDateTime modified_time;
-  CString provider;           ///< the provider's invariant name
-  bool quote_catalog = true;  ///< whether that kind of identifier is quoted
+  CString description;         ///< for people
+  CString type;                ///< free text
+  int flag2 = 0;               ///< a number of the host's
+  COleDateTime modified_time;  ///< local time; null for a definition that is not stored
+  CString provider;            ///< the provider's invariant name
+  bool quote_catalog = true;   ///< whether that kind of identifier is quoted
   bool quote_schema = true;
   bool quote_table = true;
   bool quote_column = true;
@@ -179,6 +180,7 @@ class SPCBASE_API ADONETDBInfo : public DataSourceInfoBase {
   void save(CDatabase* database, int maximum_blob_size);
 
  protected:
+  /// Becomes a copy, with a syntax of its own.
   void copy_object(const ADONETDBInfo& other);
 
  private:
@@ -190,6 +192,7 @@ class SPCBASE_API ADONETDBInfo : public DataSourceInfoBase {
 /// A holder of one definition of either kind, its own or a shared one.
 class SPCBASE_API ExtDataSourceInfo {
  public:
+  /// The kind of an empty holder.
   static constexpr int no_kind = -1;
 
   bool owned = false;                  ///< the holder deletes `info` when it lets go

@@ -14,6 +14,7 @@ class ADONETDBInfo;
 /// The choice. It keeps its syntaxes alive when the definition is gone.
 class SPCBASE_API SQLBuilder {
  public:
+  /// Holds the choice as it is given; `standard` must be there.
   SQLBuilder(int kind_of_syntax, std::shared_ptr<UserDefinedSyntaxInfo> user,
              std::shared_ptr<UserDefinedSyntaxInfo> standard, int oracle);
   virtual ~SQLBuilder();

@@ -123,7 +123,8 @@ void remove_row(CDatabase* database, int id) {
 /// What a removal fails with when nothing was changed.
 constexpr RETCODE nothing_removed = 1008;
 
-/// Sends the change. Fails: CDBException* with that code too when the row has vanished since it was read.
+/// Sends the change.
+/// Fails: CDBException* with that code too when the row has vanished since it was read.
 void require_update(CRecordset& rows) {
   try {
     if (rows.Update() == FALSE) AfxThrowDBException(nothing_removed, "Nothing was removed.");

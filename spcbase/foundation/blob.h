@@ -76,6 +76,7 @@ class SPCBASE_API BlobRSHelper {
   /// Fails: CInvalidArgException* for a null argument.
   void DoFieldExchange(CFieldExchange* exchange, const char* column);
 
+  /// What the object was made with: 0 for streaming mode, else the size of the buffer in bytes.
   const int maximum_size;
 
  private:
@@ -95,8 +96,10 @@ class SPCBASE_API BlobRSHelper {
 template <class Derived>
 class SingleBlobColumnRecordset : public CRecordsetFix, public BlobRSHelper {
  public:
+  /// No parameters.
   static constexpr auto parameters = coltab::table();
 
+  /// `max_size` is that of `BlobRSHelper`.
   SingleBlobColumnRecordset(CDatabase* database, int max_size) : CRecordsetFix(database), BlobRSHelper(max_size) {
     constexpr auto count = std::tuple_size_v<std::remove_cvref_t<decltype(Derived::columns)>>;
     blob_column = std::get<count - 1>(Derived::columns).name;
@@ -113,5 +116,6 @@ class SingleBlobColumnRecordset : public CRecordsetFix, public BlobRSHelper {
   /// For the exchange of all columns.
   void exchange_blob(CFieldExchange* exchange) { BlobRSHelper::DoFieldExchange(exchange, blob_column.GetString()); }
 
+  /// The name of the blob column, as statements have it.
   CString blob_column;
 };

@@ -32,7 +32,8 @@ class SPCBASE_API CDatabaseEx : public CDatabase {
   /// Whether the link is alive.
   /// `light` 0 runs a statement on CSMON, which proves that the server answers and that the schema is there. Any other
   /// value asks the driver alone, which on most drivers answers from memory and does not notice a server that went
-  /// away. Fails:  never.
+  /// away.
+  /// Fails: never.
   bool check_connection(int light);
 
   bool attached = false;        ///< the current handle came in through `attach`
@@ -81,15 +82,17 @@ SPCBASE_API int find_db_type(CDatabase& database);
 /// `expression`, or `replacement` where it is null.
 SPCBASE_API CString make_check_null_function(int dialect, const CString& expression, const CString& replacement);
 
-/// A UTC moment as the server's local time. Kept: Microsoft Access and MySQL get the expression unchanged.
+/// A UTC moment as the server's local time.
+/// Kept: Microsoft Access and MySQL get the expression unchanged.
 SPCBASE_API CString make_to_local_time(int dialect, const CString& expression);
 
-/// The bitwise AND of two operands. Kept: this one answers for an unknown dialect too, as for SQL Server.
+/// The bitwise AND of two operands.
+/// Kept: this one answers for an unknown dialect too, as for SQL Server.
 SPCBASE_API CString make_bitwise_and_expr(int dialect, const char* left, const char* right);
 
 /// `expression` read as a moment. For Oracle `format` is a date format, or one of the words "use cast" and
-/// "use de_to_date" in any case; it overrides `de_to_date_exists`. Null: the server's function DE_TO_DATE when it
-/// exists, else the format "YYYY-MM-DD HH24:MI:SS".
+/// "use de_to_date" in any case; it overrides `de_to_date_exists`.
+/// Null: the server's function DE_TO_DATE when it exists, else the format "YYYY-MM-DD HH24:MI:SS".
 SPCBASE_API CString make_cast_to_dt_expr(int dialect, bool de_to_date_exists, const CString& expression,
                                          const char* format);
 

@@ -65,6 +65,7 @@ namespace rev {
 /// A failure of revision control. Its message stays empty and its code is 0x80004005; the text follows from the reason.
 class SPCBASE_API RevisionException : public DBException {
  public:
+  /// Holds the four numbers; the text follows from the reason.
   RevisionException(int object_type, int object_id, int revision, int reason);
 
   /// The text for the reason: 0 no revisions, 1 not the latest revision, 2 already approved, 3 a broken revision; empty
@@ -73,6 +74,7 @@ class SPCBASE_API RevisionException : public DBException {
   CString what() const override;
   ~RevisionException() override;
 
+  /// The type and id of the object, the number of the revision, and the reason, as `what` tells it.
   int object_type;
   int object_id;
   int revision;

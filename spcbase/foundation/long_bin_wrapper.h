@@ -18,5 +18,6 @@ class SPCBASE_API LongBinWrapper {
   /// Whether there is no block at all: a payload that is missing.
   bool is_null() const noexcept { return long_bin.m_hData == nullptr; }
 
+  /// The block.
   CLongBinary long_bin;
 };

@@ -48,13 +48,13 @@ enum class FailureClass : unsigned char {
 
 /// A failure as data. What was thrown by pointer has been released.
 struct SPCBASE_API Failure {
-  FailureKind kind = FailureKind::library;
-  FailureClass failure_class = FailureClass::other;
-  long code = 0;     ///< the result code; of a CDBException its `m_nRetCode`
-  CString sqlstate;  ///< five characters; empty when no database had a say
-  long native = 0;   ///< the server's own number
-  CString text;      ///< what the thrower said
-  CString advice;    ///< one sentence on what to do about it
+  FailureKind kind = FailureKind::library;           ///< who threw it
+  FailureClass failure_class = FailureClass::other;  ///< what a database's failure means; `other` for what is none
+  long code = 0;                                     ///< the result code; of a CDBException its `m_nRetCode`
+  CString sqlstate;                                  ///< five characters; empty when no database had a say
+  long native = 0;                                   ///< the server's own number
+  CString text;                                      ///< what the thrower said
+  CString advice;                                    ///< one sentence on what to do about it
 
   /// Whether the same work may be done again from its beginning: true for a deadlock alone.
   bool may_retry() const noexcept { return failure_class == FailureClass::deadlock; }
@@ -75,8 +75,10 @@ SPCBASE_API Failure describe_current_failure();
 template <class T>
 class Outcome {
  public:
+  /// The result; nothing for a callable that gives nothing.
   using value_type = std::conditional_t<std::is_void_v<T>, std::monostate, T>;
 
+  /// A result, or a failure.
   explicit Outcome(value_type value) : content_(std::in_place_index<0>, std::move(value)) {}
   explicit Outcome(Failure failure) : content_(std::in_place_index<1>, std::move(failure)) {}
 
@@ -84,11 +86,13 @@ class Outcome {
   bool ok() const noexcept { return content_.index() == 0; }
   explicit operator bool() const noexcept { return ok(); }
 
-  /// The result. Fails: std::bad_variant_access when there is none.
+  /// The result.
+  /// Fails: std::bad_variant_access when there is none.
   value_type& value() & { return std::get<0>(content_); }
   const value_type& value() const& { return std::get<0>(content_); }
   value_type&& value() && { return std::get<0>(std::move(content_)); }
-  /// The failure. Fails: std::bad_variant_access when there is none.
+  /// The failure.
+  /// Fails: std::bad_variant_access when there is none.
   const Failure& failure() const { return std::get<1>(content_); }
 
  private:

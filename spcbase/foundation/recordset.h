@@ -18,12 +18,14 @@
 /// The common type of every recordset that maps a table of the schema.
 class CRecordsetFix : public CRecordset {
  public:
+  /// A closed recordset on a connection.
   explicit CRecordsetFix(CDatabase* database) : CRecordset(database) {}
 };
 
 /// A recordset whose select may carry a hint to the server to keep the result at hand.
 class RSWithHint : public CRecordsetFix {
  public:
+  /// A closed recordset; with `hint` its select carries the hint.
   RSWithHint(CDatabase* database, bool hint) : CRecordsetFix(database), use_hint(hint) {}
 
   bool use_hint;  ///< read by the DoFieldExchange of the derived class
@@ -39,7 +41,9 @@ class SPCBASE_API RSCount : public CRecordset {
   CString GetDefaultSQL() override { return table; }
   void DoFieldExchange(CFieldExchange* exchange) override;
 
+  /// The value that the current row has.
   long result = 0;
+  /// What it was made with.
   CString table;
   CString expression;
   CString column_name;  ///< the server's name of the result column, once it is known
@@ -48,13 +52,16 @@ class SPCBASE_API RSCount : public CRecordset {
 /// The highest value of a column of whole numbers. Of no rows it is one row whose value is null.
 class SPCBASE_API RSMax : public CRecordset {
  public:
+  /// The names are used as they are given.
   RSMax(CDatabase* database, const CString& table_name, const CString& id_column);
 
   CString GetDefaultConnect() override { return {}; }
   CString GetDefaultSQL() override { return table; }
   void DoFieldExchange(CFieldExchange* exchange) override;
 
+  /// The value that the current row has.
   long result = 0;
+  /// What it was made with.
   CString table;
   CString column;
   CString column_name;  ///< the server's name of the result column, once it is known
@@ -63,13 +70,16 @@ class SPCBASE_API RSMax : public CRecordset {
 /// The latest moment of a column.
 class SPCBASE_API RSMaxDateTime : public CRecordset {
  public:
+  /// The names are used as they are given.
   RSMaxDateTime(CDatabase* database, const CString& table_name, const CString& moment_column);
 
   CString GetDefaultConnect() override { return {}; }
   CString GetDefaultSQL() override { return table; }
   void DoFieldExchange(CFieldExchange* exchange) override;
 
+  /// The value that the current row has.
   TIMESTAMP_STRUCT result{};
+  /// What it was made with.
   CString table;
   CString column;
   CString column_name;  ///< the server's name of the result column, once it is known
@@ -78,13 +88,16 @@ class SPCBASE_API RSMaxDateTime : public CRecordset {
 /// A property of a SQL Server, as text.
 class RSSQLServerProperty : public CRecordset {
  public:
+  /// The name of a property as SERVERPROPERTY takes it.
   RSSQLServerProperty(CDatabase* database, const CString& property_name);
 
   CString GetDefaultConnect() override { return {}; }
   CString GetDefaultSQL() override;
   void DoFieldExchange(CFieldExchange* exchange) override;
 
+  /// The value that the current row has.
   CString value;
+  /// What it was made with.
   CString property;
   CString column_name;  ///< the server's name of the result column, once it is known
 };

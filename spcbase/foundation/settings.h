@@ -30,11 +30,13 @@ inline constexpr const char* use_stored_in_object = "use stored in object";
 
 }  // namespace setting
 
+/// The settings of the product, read whole from CSINI and kept.
 class SystemSettingCache {
  public:
   /// The bytes of one setting.
   struct Data {
     Data() = default;
+    /// Zeros.
     explicit Data(int size_bytes)
         : data(size_bytes > 0 ? new unsigned char[static_cast<std::size_t>(size_bytes)]() : nullptr),
           size(size_bytes) {}
@@ -43,7 +45,7 @@ class SystemSettingCache {
     Data& operator=(const Data&) = delete;
 
     unsigned char* data = nullptr;  ///< null when there are none
-    int size = 0;
+    int size = 0;                   ///< of `data`, in bytes
   };
 
   /// The setting with this key, in exactly this case; null when none was read. It outlives a later refresh.

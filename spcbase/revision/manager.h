@@ -34,20 +34,24 @@ namespace rev {
 /// The numbers of the latest revisions, by object id.
 class LatestRevisionCacheHelper {
  public:
+  /// What is known of an object.
   struct Data {
-    int revision = no_revision;
-    COleDateTime stored_at;  ///< in UTC
+    int revision = no_revision;  ///< the number of the latest revision
+    COleDateTime stored_at;      ///< in UTC
   };
 
-  int minutes = 0;  ///< the lifetime of an entry; 0 or less: it never ends
-  std::shared_ptr<std::map<int, Data>> entries;
+  int minutes = 0;                               ///< the lifetime of an entry; 0 or less: it never ends
+  std::shared_ptr<std::map<int, Data>> entries;  ///< by object id; null until the first
 
   /// The number that is known and not too old, else `no_revision`. An entry that is too old is dropped.
   int find(int object_id);
+  /// Notes the number, as of now.
   void set_latest(int object_id, int revision);
+  /// Forgets the number.
   void drop_latest(int object_id);
 };
 
+/// The revisions of the objects of one type.
 class RevisionManager {
  public:
   /// `objtype` is the host's number for the type of the objects. `cache_minutes` is how long a revision is kept: 0 for

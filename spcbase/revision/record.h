@@ -18,11 +18,11 @@ inline constexpr int no_revision = -300;
 
 /// The approval of a revision. Level and type are numbers of the host's own.
 struct RevisionApprovalInfo {
-  COleDateTime atime = null_moment();
-  int auserid = 0;
+  COleDateTime atime = null_moment();  ///< when, in local time
+  int auserid = 0;                     ///< who
   CString auser;
-  CString areason;
-  int alevel = 0;
+  CString areason;  ///< why, in the words of who approved
+  int alevel = 0;   ///< a number of the host's
   int atype = 0;
 
   /// A moment that is not set.
@@ -43,15 +43,15 @@ class SPCBASE_API RevisionBaseInfo {
   RevisionBaseInfo& operator=(RevisionBaseInfo&& other) noexcept = default;
   ~RevisionBaseInfo() = default;
 
-  int revid = 0;
-  int revision = no_revision;
-  int majorver = 0;
+  int revid = 0;               ///< of the row
+  int revision = no_revision;  ///< counts from 1
+  int majorver = 0;            ///< the two parts of the version that people see
   int minorver = 0;
-  int flag = 0;
-  COleDateTime ctime = RevisionApprovalInfo::null_moment();
-  int cuserid = 0;
+  int flag = 0;                                              ///< a number of the host's
+  COleDateTime ctime = RevisionApprovalInfo::null_moment();  ///< when it was saved, in local time
+  int cuserid = 0;                                           ///< who saved it
   CString cuser;
-  CString creason;
+  CString creason;                                 ///< why, in the words of who saved it
   std::shared_ptr<RevisionApprovalInfo> approval;  ///< null: not approved
 };
 

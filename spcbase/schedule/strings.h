@@ -72,7 +72,7 @@ class SPCBASE_API RepeatStringInfo {
   int unit = minutes;   ///< one of `Unit`; anything else counts as days
   int end_mode = open;  ///< one of `EndMode`; anything else counts as open but keeps its two numbers in the text
   int end_hour = 0;     ///< of the time of day, or the length, at which the repeats end
-  int end_minute = 0;
+  int end_minute = 0;   ///< minutes of the same
 
   /// Every 10 minutes, without an end.
   RepeatStringInfo() = default;

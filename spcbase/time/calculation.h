@@ -23,6 +23,7 @@
 /// The two settings of a calculation, and the calculations.
 class SPCBASE_API DateTimeCalculation {
  public:
+  /// The two settings, as they are given.
   explicit DateTimeCalculation(int first_day = 1, bool utc = false) noexcept
       : first_day_of_week(first_day), use_utc(utc) {}
 

@@ -16,10 +16,10 @@
 
 /// One month of the table that all calendar code shares. The names are there for readers; only the days are used.
 struct MonthInfo {
-  char short_name[4];
-  int days_common;
+  char short_name[4];  ///< in English
+  int days_common;     ///< days in a year of 365 and of 366 days
   int days_leap;
-  char long_name[16];
+  char long_name[16];  ///< in English
 };
 
 /// The twelve months, January first.

@@ -48,11 +48,11 @@ class SPCBASE_API DateTimeRange {
   /// The units of `last_units`. The numbers are fixed.
   enum RangeUnit : int { day = 0, week = 1, month = 2, quarter = 3, hour = 4, minute = 5, second = 6, year = 7 };
 
-  COleDateTime from;  ///< local time (or UTC, as the calculation was set), included; null at first
-  COleDateTime to;    ///< likewise
-  RangeType type = this_week;
-  int count = 1;  ///< how many units; means something for `last_units` alone
-  RangeUnit time_unit = week;
+  COleDateTime from;           ///< local time (or UTC, as the calculation was set), included; null at first
+  COleDateTime to;             ///< likewise
+  RangeType type = this_week;  ///< which of the periods
+  int count = 1;               ///< how many units; means something for `last_units` alone
+  RangeUnit time_unit = week;  ///< the unit of `last_units`
 
   /// This week, not yet reckoned.
   DateTimeRange();

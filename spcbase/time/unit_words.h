@@ -7,6 +7,7 @@
 #include "spcbase/platform/system/export.h"
 #include "spcbase/platform/text/cstring.h"
 
+/// The word for a unit, from the message table.
 SPCBASE_API CString GetDayStr();
 SPCBASE_API CString GetWeekStr();
 SPCBASE_API CString GetMonthStr();
@@ -16,6 +17,7 @@ SPCBASE_API CString GetHourStr();
 SPCBASE_API CString GetMinuteStr();
 SPCBASE_API CString GetSecondStr();
 
+/// Whether a text is that word, in any case of letters.
 SPCBASE_API bool IsDayStr(const CString& word);
 SPCBASE_API bool IsWeekStr(const CString& word);
 SPCBASE_API bool IsMonthStr(const CString& word);

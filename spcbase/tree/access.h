@@ -23,6 +23,7 @@ struct ACLItem {
 /// A list, in the order of adding.
 class SPCBASE_API ACLDef {
  public:
+  /// The lines.
   std::vector<ACLItem> items;
   bool option = false;  ///< a value of the host's; the library only copies it
 
@@ -44,14 +45,16 @@ class SPCBASE_API ACLMngr {
     copy_object(other);
     return *this;
   }
+  /// Deletes both lists.
   virtual ~ACLMngr();
 
   ACLDef* current = nullptr;  ///< the list as it is to be; owned
   ACLDef* saved = nullptr;    ///< the list as it was; owned
 
   /// Reports what differs, for the audit log: first what is gone or changed, in the order of `saved`, then what is new,
-  /// in the order of `current`. `context` is passed on as it is. Fails: `DBException` "Invalid argument." unless both
-  /// lists are there. What an operation throws passes, and the rest is not reported.
+  /// in the order of `current`. `context` is passed on as it is.
+  /// Fails: `DBException` "Invalid argument." unless both lists are there. What an operation throws passes, and the
+  ///        rest is not reported.
   void log(void* context);
 
  protected:

@@ -1,8 +1,8 @@
 /// Paths: names of folders and objects in one text, and the way from them to ids and back.
 ///
 /// Part of the object tree. Folders are the nodes of `CSNODE`; the root has id 0 and no row. A path parts its names by
-/// one of "/" and "\"; a separator that belongs to a name stands doubled in it. "enterprise:/" may stand in front, and
-/// a revision word behind the last name:
+/// slashes or by backslashes; a separator that belongs to a name stands doubled in it. "enterprise:/" may stand in
+/// front, and a revision word behind the last name:
 ///
 ///     "enterprise:/plant/line 4/bore|approved"
 ///     "\plant\a\\b\bore|7"
@@ -16,7 +16,8 @@
 /// "latestapproved" and "approved" are -100, the request for the latest approved one, which only the caller can answer;
 /// digits are that revision.
 ///
-/// The functions on texts never fail: they answer false, 0 or an empty text. Null: a null text counts as empty.
+/// The functions on texts never fail: they answer false, 0 or an empty text.
+/// Null: a null text counts as empty.
 #pragma once
 
 #include <vector>
@@ -58,7 +59,8 @@ SPCBASE_API int extract_paths(const char* text, std::vector<CString>& paths);
 /// Separators within names are doubled, and what `fix_spc_name` takes out of a name is left out. Hidden folders are
 /// named too.
 /// Returns an empty text when a folder on the way has no row, when the way leads in a circle, or when the recordset
-/// does not open. Fails:   CDBException* for a database error.
+/// does not open.
+/// Fails: CDBException* for a database error.
 SPCBASE_API CString get_node_path(CDatabase* database, int node, bool forward_slashes);
 
 /// The id of the monitor, or of the profile, at a path of at least one folder and its own name; 0 when there is none.

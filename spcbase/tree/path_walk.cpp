@@ -16,6 +16,11 @@ namespace {
 class Filter {
  public:
   Filter() { text_.reserve(128); }
+  /// The same memory for the next one.
+  Filter& anew() {
+    text_.clear();
+    return *this;
+  }
   Filter& operator<<(const char* piece) {
     text_ += piece;
     return *this;
@@ -69,6 +74,7 @@ struct Profiles {
 template <class Kind>
 int id_from_path(CDatabase* database, const char* path) {
   std::vector<CString> names;
+  names.reserve(8);
   const int count = split_path(path, names);
   if (count < 2) return 0;
   const int node = find_node_from_names(database, names, count - 1);
@@ -107,12 +113,13 @@ CString get_node_path(CDatabase* database, int node, bool forward_slashes) {
 
 int find_node_from_names(CDatabase* database, const std::vector<CString>& names, int count) {
   RSNode1 rs(database);
+  Filter filter;
   int node = 0;
   for (int i = 0; i < count; ++i) {
     const CString& name = names.at(static_cast<std::size_t>(i));
-    if (!select(rs, Filter() << "PNODE = " << node << " AND NAME = " << name << " AND VFLG IS NULL")) return 0;
+    if (!select(rs, filter.anew() << "PNODE = " << node << " AND NAME = " << name << " AND VFLG IS NULL")) return 0;
     if (rs.m_bEOF) {
-      if (!select(rs, Filter() << "PNODE = " << node << " AND VFLG IS NULL") || !find_alike(rs, name)) return 0;
+      if (!select(rs, filter.anew() << "PNODE = " << node << " AND VFLG IS NULL") || !find_alike(rs, name)) return 0;
     }
     node = static_cast<int>(rs.nodeid);
   }

@@ -1,5 +1,5 @@
-/// Automation arrays: what hosts pass (`SAFEARRAY`) to and from what the library works on (`std::vector`,
-/// `CLongBinary`, plain bytes), and bytes as a stream.
+/// Automation arrays: what hosts pass (`SAFEARRAY`) to and from what the library works on (vectors, `CLongBinary`,
+/// plain bytes), and bytes as a stream.
 ///
 /// Part of the utilities. Every array here has one dimension; what the data mean is not known here.
 ///

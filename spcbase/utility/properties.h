@@ -23,8 +23,8 @@ namespace spcbaseutil {
 
 /// One setting.
 struct Property {
-  CString name;
-  CString value;
+  CString name;   ///< what it is called
+  CString value;  ///< as text
 };
 
 /// Settings in order.

@@ -2,7 +2,7 @@
 
 Plan
   layers: a wrong direction, a private folder, a header from outside, an unknown header, an unknown folder, a missing one
-  texts:  words, paths, unfinished marks, sleeping tests, long files, dialect words, raw codes, the version
+  texts:  words, paths, unfinished marks, sleeping tests, long files, dialect words, raw codes, labels, the version
 """
 import os
 import shutil
@@ -158,6 +158,16 @@ class Texts(Guard):
 
     def test_a_raw_result_code_at_home_is_fine(self):
         self.plant("spcbase/foundation/a.cpp", "long a = 0x8004150" + "8;\n")
+        self.expect_clean(self.guard)
+
+    def test_a_label_in_the_middle_of_a_line_is_found(self):
+        for line in ("/// Copies it. Fails: never.", "///< its name. Differs: no text", "/// Copies it. Kept:"):
+            self.plant("spcbase/time/a.h", f"int a;\n  {line}\n")
+            self.expect_find(self.guard, "spcbase/time/a.h:2: ", "a line of its own")
+
+    def test_a_label_at_the_start_of_a_line_and_the_word_elsewhere_are_fine(self):
+        self.plant("spcbase/time/a.h", "/// Fails: never\n  // Kept:   as it was\n/// It fails: seldom.\n")
+        self.plant("tests/time/a_test.cpp", "// the plan. Fails: all\n")
         self.expect_clean(self.guard)
 
     def test_a_change_log_that_another_version_heads_is_found(self):

@@ -39,7 +39,8 @@ LONG grid_width(const oldde::CProfileInfoColl& elements);
 /// A grid and its ownership.
 class Grid {
  public:
-  /// A grid of empty cells. Fails: std::bad_alloc.
+  /// A grid of empty cells.
+  /// Fails: std::bad_alloc.
   Grid(LONG columns, LONG rows);
   /// Takes an array over.
   explicit Grid(SAFEARRAY* array);

@@ -26,7 +26,8 @@ std::vector<PlannedChange> plan_reset(Link& link);
 void rebuild_versions(Link& link, const Terminal& terminal);
 
 /// Sees that the foreign key of the payloads is there and that the server can and may drop it, and changes nothing. On
-/// a server of no known kind, which keeps its keys, it must not be there. Fails: Problem when it is not so.
+/// a server of no known kind, which keeps its keys, it must not be there.
+/// Fails: Problem when it is not so.
 void require_reset_possible(Link& link);
 
 /// Removes all revisions.

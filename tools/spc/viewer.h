@@ -8,7 +8,8 @@
 namespace spc {
 
 /// Sees that lists can be shown as this user sees them: one who exists, or 0 for everyone. An id that was mistyped
-/// would look like a user who may see nothing. Fails: Problem.
+/// would look like a user who may see nothing.
+/// Fails: Problem.
 void check_viewer(Link& link, int user);
 
 /// The condition for the profiles that a user may see, by their column as it stands in the statement; empty for 0.

@@ -14,7 +14,8 @@ namespace source_facts {
 /// Gives a fact, a number as decimal text. S_FALSE and an empty text: the source does not tell.
 using Ask = std::function<HRESULT(WORD type, CString& fact)>;
 
-/// The fact of a connection of ours. Fails: E_UNEXPECTED when it is not open.
+/// The fact of a connection of ours.
+/// Fails: E_UNEXPECTED when it is not open.
 HRESULT of_connection(CDatabase& database, WORD type, CString& fact);
 
 /// What stands behind the name of a catalog and of a schema; empty where there are none.

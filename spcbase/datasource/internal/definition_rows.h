@@ -12,8 +12,8 @@
 /// The way to what the definitions keep to themselves.
 struct DefinitionRows {
   /// Makes a definition that has its id the one that a row holds. What an empty blob does not tell becomes that of a
-  /// new definition. Kept: a syntax stays where the blob is empty. Where the blob cannot be read, the columns are taken
-  /// already, the
+  /// new definition.
+  /// Kept: a syntax stays where the blob is empty. Where the blob cannot be read, the columns are taken already, the
   ///       time too, so that the next `refresh` finds no difference.
   template <class Definition>
   static void take(RSExtDB& row, const LocalMomentReader& moments, Definition& definition) {

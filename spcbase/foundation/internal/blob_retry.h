@@ -38,9 +38,9 @@ inline int one_more(int size) { return size == std::numeric_limits<int>::max() ?
 
 /// Runs a whole database operation (build a recordset with the size that it is given, work, close) until it succeeds,
 /// at most 12 times. `maximum_size` 0 says that there is no second phase for a read, and for a write that it begins
-/// with the data's length; a negative one that it begins with 1. `data_length` is given for writes. Fails: whatever the
-/// operation throws that is not a CDBException*; a CDBException* of the second phase that is not
-/// AFX_SQL_ERROR_DATA_TRUNCATED; the last one.
+/// with the data's length; a negative one that it begins with 1. `data_length` is given for writes.
+/// Fails: whatever the operation throws that is not a CDBException*; a CDBException* of the second phase that is not
+///        AFX_SQL_ERROR_DATA_TRUNCATED; the last one.
 template <class Result>
 Result run_with_blob_retry(int maximum_size, const std::function<Result(int)>& operation,
                            std::optional<int> data_length = std::nullopt) {

@@ -12,7 +12,8 @@ namespace dialect {
 /// The position of a dialect in the table is its identifier.
 enum Id : int { unknown = -1, sql_server = 0, oracle = 1, access = 2, mysql = 3 };
 
-/// How the server's refusal of a double key is recognised. Null: not by this.
+/// How the server's refusal of a double key is recognised.
+/// Null: not by this.
 struct DuplicateMarks {
   const char* in_message;        ///< stands in the message
   const char* in_state;          ///< stands in state and native code

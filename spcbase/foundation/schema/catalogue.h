@@ -40,17 +40,17 @@ namespace coltab {
 /// One column of a class as plain data.
 struct ColumnFact {
   const char* name;  ///< as it is written in statements
-  Kind kind;
-  int width_chars;  ///< of a text, else 0
-  bool is_key;
+  Kind kind;         ///< how it is exchanged
+  int width_chars;   ///< of a text, else 0
+  bool is_key;       ///< one of the columns that tell rows apart
 };
 
 /// One recordset class as plain data.
 struct ClassFact {
-  const char* class_name;
-  const char* source;  ///< a table, a list of tables, a join, or a whole statement
-  std::span<const ColumnFact> columns;
-  std::span<const ColumnFact> parameters;
+  const char* class_name;                  ///< the C++ name
+  const char* source;                      ///< a table, a list of tables, a join, or a whole statement
+  std::span<const ColumnFact> columns;     ///< in the order of the select list
+  std::span<const ColumnFact> parameters;  ///< in the order of the marks in the filter
 };
 
 /// Every recordset class with a column table, by theme and in the order of its header; those on the catalogues of

@@ -32,11 +32,12 @@ enum class Kind : unsigned char { number, text, moment, real, blob };
 /// One column and the member it is exchanged with. The member's type decides the kind.
 template <class Owner, class Value>
 struct Column {
-  const char* name;
-  Value Owner::*member;
-  int width_chars;  ///< of a text, else 0
-  bool is_key;
+  const char* name;      ///< as it is written in statements
+  Value Owner::*member;  ///< where a row puts its value
+  int width_chars;       ///< of a text, else 0
+  bool is_key;           ///< one of the columns that tell rows apart
 
+  /// How it is exchanged.
   static constexpr Kind kind = std::is_same_v<Value, long>      ? Kind::number
                                : std::is_same_v<Value, CString> ? Kind::text
                                : std::is_same_v<Value, double>  ? Kind::real
@@ -58,8 +59,9 @@ constexpr Column<Owner, Value> key(const char* name, Value Owner::*member, int w
 
 /// The blob column of a class that derives from SingleBlobColumnRecordset, which has the field.
 struct BlobColumn {
-  const char* name;
+  const char* name;  ///< as it is written in statements
 
+  /// What every blob column is.
   static constexpr Kind kind = Kind::blob;
   static constexpr int width_chars = 0;
   static constexpr bool is_key = false;
@@ -88,6 +90,7 @@ constexpr std::uint64_t key_bits(const std::tuple<Columns...>& columns) {
       columns);
 }
 
+/// One value with its column, by the documented call for its type.
 inline void exchange_value(CFieldExchange* exchange, const char* name, long& value, int) {
   RFX_Long(exchange, name, value);
 }
@@ -101,6 +104,7 @@ inline void exchange_value(CFieldExchange* exchange, const char* name, double& v
   RFX_Double(exchange, name, value);
 }
 
+/// One column of a row.
 template <class Base, class Derived, class Value>
 inline void exchange_column(Derived& owner, const Column<Base, Value>& column, CFieldExchange* exchange) {
   exchange_value(exchange, column.name, owner.*(column.member), column.width_chars);
@@ -124,8 +128,10 @@ inline void exchange_all(Owner& owner, const std::tuple<Columns...>& columns, CF
 template <class Derived, class Base = CRecordsetFix>
 class TableRecordset : public Base {
  public:
+  /// No parameters; a class whose filter has some hides this by its own.
   static constexpr auto parameters = coltab::table();
 
+  /// A closed recordset; `more` goes to the base.
   template <class... More>
   explicit TableRecordset(CDatabase* database, More... more) : Base(database, more...) {
     use_columns(Derived::columns);
@@ -143,6 +149,7 @@ class TableRecordset : public Base {
   }
 
  protected:
+  /// For a class that adds columns to those of its base: sets their number and the key.
   template <class... Columns>
   void use_columns(const std::tuple<Columns...>& columns) {
     this->m_nFields = sizeof...(Columns);

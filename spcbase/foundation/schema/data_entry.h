@@ -43,8 +43,10 @@ class CRSLabelInProfile : public TableRecordset<CRSLabelInProfile> {
 /// with the whole statement that stands beside them; the `%ld` is the profile.
 namespace profile_lists {
 
+/// The characteristics of a profile with their names.
 class CRSCharInProfile2 : public CRSCharInProfile {
  public:
+  /// A closed recordset.
   explicit CRSCharInProfile2(CDatabase* database) : CRSCharInProfile(database) { use_columns(columns); }
 
   void DoFieldExchange(CFieldExchange* exchange) override {
@@ -64,8 +66,10 @@ class CRSCharInProfile2 : public CRSCharInProfile {
                                                coltab::field("[CTYPE]", &CRSCharInProfile2::ctype, 255)));
 };
 
+/// The labels of a profile with their names.
 class CRSLabelInProfile2 : public CRSLabelInProfile {
  public:
+  /// A closed recordset.
   explicit CRSLabelInProfile2(CDatabase* database) : CRSLabelInProfile(database) { use_columns(columns); }
 
   void DoFieldExchange(CFieldExchange* exchange) override {

@@ -8,9 +8,9 @@
 /// One running number: the highest id in use of `table` stands in the one row of `counter`, in its column `MAXNO`; 0
 /// when the table has no rows.
 struct running_number {
-  const char* table;
-  const char* id_column;
-  const char* counter;
+  const char* table;      ///< whose ids are counted
+  const char* id_column;  ///< the id in that table
+  const char* counter;    ///< the table of the counter
 };
 
 /// All of them, in the order in which they are repaired.

@@ -19,8 +19,9 @@ class CString;
 SPCBASE_API BSTR SysAllocString(const OLECHAR* text) noexcept;
 
 /// A new string of `length_chars` characters copied from `text`, zeros among them; without a text its characters are
-/// zero. Fails: null when memory runs out or the length in bytes does not fit 32 bits. Owns:  the caller, with
-/// `SysFreeString`.
+/// zero.
+/// Fails: null when memory runs out or the length in bytes does not fit 32 bits.
+/// Owns: the caller, with `SysFreeString`.
 SPCBASE_API BSTR SysAllocStringLen(const OLECHAR* text, UINT length_chars) noexcept;
 
 /// A new string of `length_bytes` bytes copied from `bytes` without conversion; without bytes they are zero.

@@ -12,6 +12,7 @@
 
 class CString;
 
+/// A BSTR that copies share and the last one frees.
 class SPCBASE_API _bstr_t {
  public:
   /// Null.
@@ -30,6 +31,7 @@ class SPCBASE_API _bstr_t {
 
   /// The length in characters.
   unsigned int length() const noexcept;
+  /// Whether it is null.
   bool operator!() const noexcept { return wide() == nullptr; }
 
   /// The text as it is; lives as long as a copy of this object.
@@ -39,11 +41,14 @@ class SPCBASE_API _bstr_t {
   operator const char*() const;
   operator char*() const;
 
-  /// A new string, by default a copy. Owns: the caller of a copy.
+  /// A new string, by default a copy.
+  /// Owns: the caller of a copy.
   BSTR copy(bool copy = true) const;
-  /// Hands the string out and becomes null. Fails: throws `_com_error` with E_POINTER when it is null already.
+  /// Hands the string out and becomes null.
+  /// Fails: throws `_com_error` with E_POINTER when it is null already.
   BSTR Detach();
-  /// Takes a string over. Owns: this object.
+  /// Takes a string over.
+  /// Owns: this object.
   void Attach(BSTR text);
   /// Copies a string in.
   void Assign(BSTR text);
@@ -52,6 +57,7 @@ class SPCBASE_API _bstr_t {
   /// Frees the string and gives the place to receive another.
   BSTR* GetAddress();
 
+  /// Appends; null counts as empty.
   _bstr_t& operator+=(const _bstr_t& other);
   friend SPCBASE_API _bstr_t operator+(const _bstr_t& left, const _bstr_t& right);
 

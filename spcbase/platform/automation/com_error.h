@@ -15,6 +15,7 @@
 struct IErrorInfo;
 class _bstr_t;
 
+/// A result code that failed, thrown by value, with the error object that goes with it.
 class SPCBASE_API _com_error {
  public:
   /// `info`, when given, is the error object of the failure; it is taken over unless `add_reference` is true.
@@ -28,7 +29,8 @@ class SPCBASE_API _com_error {
   /// The code's text without line end, UTF-8: the system's text, "IDispatch error #n" for codes 0x80040200 and up, or
   /// "Unknown error 0x........". Lives as long as the object.
   const char* ErrorMessage() const;
-  /// The error object with a reference added, or null. Owns: the caller.
+  /// The error object with a reference added, or null.
+  /// Owns: the caller.
   IErrorInfo* ErrorInfo() const noexcept;
   /// The error object's description and source; null texts when there is no error object.
   _bstr_t Description() const;

@@ -80,10 +80,12 @@ class _com_ptr_t : public automation_detail::counted_pointer<T> {
   using base = automation_detail::counted_pointer<T>;
 
  public:
+  /// The interface that it points to.
   using Interface = T;
 
   using base::base;
   _com_ptr_t() noexcept = default;
+  /// Null.
   _com_ptr_t(std::nullptr_t) noexcept {}
   /// Takes `object` over, with a reference added when `add_reference` is true.
   _com_ptr_t(T* object, bool add_reference) noexcept {
@@ -106,16 +108,19 @@ class _com_ptr_t : public automation_detail::counted_pointer<T> {
     if (add_reference && object != nullptr) object->AddRef();
     base::Attach(object);
   }
-  /// Gives the reference back now. Fails: throws `_com_error` with E_POINTER when there is none.
+  /// Gives the reference back now.
+  /// Fails: throws `_com_error` with E_POINTER when there is none.
   void Release() {
     if (base::raw() == nullptr) _com_issue_error(E_POINTER);
     base::reset();
   }
-  /// Adds a reference for the caller. Fails: throws `_com_error` with E_POINTER when null.
+  /// Adds a reference for the caller.
+  /// Fails: throws `_com_error` with E_POINTER when null.
   void AddRef() { base::operator->()->AddRef(); }
   /// The plain pointer, no reference added.
   T* GetInterfacePtr() const noexcept { return base::raw(); }
-  /// Asks for interface Q of the object, with a reference for the caller. Fails: E_POINTER when null.
+  /// Asks for interface Q of the object, with a reference for the caller.
+  /// Fails: E_POINTER when null.
   template <class Q>
   HRESULT QueryInterface(REFIID iid, Q*& object) {
     object = nullptr;
@@ -134,18 +139,21 @@ class CComPtr : public automation_detail::counted_pointer<T> {
  public:
   using base::base;
   CComPtr() noexcept = default;
+  /// Null.
   CComPtr(std::nullptr_t) noexcept {}
 
   /// Gives the reference back now; null does nothing.
   void Release() noexcept { base::reset(); }
-  /// A reference for the caller in `*target`. Fails: E_POINTER when `target` is null.
+  /// A reference for the caller in `*target`.
+  /// Fails: E_POINTER when `target` is null.
   HRESULT CopyTo(T** target) const noexcept {
     if (target == nullptr) return E_POINTER;
     *target = base::raw();
     if (*target != nullptr) (*target)->AddRef();
     return S_OK;
   }
-  /// Asks the object for interface Q, with a reference for the caller. Fails: E_POINTER when null.
+  /// Asks the object for interface Q, with a reference for the caller.
+  /// Fails: E_POINTER when null.
   template <class Q>
   HRESULT QueryInterface(Q** target) const {
     if (target == nullptr) return E_POINTER;

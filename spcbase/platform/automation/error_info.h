@@ -9,8 +9,10 @@
 #include "spcbase/platform/system/memory.h"
 
 /// What a reader of an error sees. Texts are new strings that the caller frees with `SysFreeString`; unset ones are
-/// null. Fails: every method gives E_INVALIDARG for a null argument, E_OUTOFMEMORY when memory runs out.
+/// null.
+/// Fails: every method gives E_INVALIDARG for a null argument, E_OUTOFMEMORY when memory runs out.
 struct IErrorInfo : IUnknown {
+  /// One piece of the error each: the interface that failed, who reports, the text, the help file and the place in it.
   virtual HRESULT GetGUID(GUID* interface_id) = 0;
   virtual HRESULT GetSource(BSTR* source) = 0;
   virtual HRESULT GetDescription(BSTR* description) = 0;
@@ -23,6 +25,7 @@ struct IErrorInfo : IUnknown {
 
 /// What the maker of an error fills. Texts are copied; null clears.
 struct ICreateErrorInfo : IUnknown {
+  /// The same pieces, to be set.
   virtual HRESULT SetGUID(REFGUID interface_id) = 0;
   virtual HRESULT SetSource(LPCOLESTR source) = 0;
   virtual HRESULT SetDescription(LPCOLESTR description) = 0;
@@ -43,6 +46,7 @@ struct interface_id<ICreateErrorInfo> {
   static constexpr IID value{0x22F03340, 0x547D, 0x101B, {0x8E, 0x65, 0x08, 0x00, 0x2B, 0x2B, 0xD1, 0x19}};
 };
 
+/// The identifiers of the interfaces.
 inline constexpr IID IID_IErrorInfo = interface_id<IErrorInfo>::value;
 inline constexpr IID IID_ICreateErrorInfo = interface_id<ICreateErrorInfo>::value;
 

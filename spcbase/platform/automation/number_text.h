@@ -32,14 +32,16 @@ struct text_number {
 /// Fails: DISP_E_TYPEMISMATCH when the text is no number, DISP_E_OVERFLOW for more than 64 bits of "&H" or "&O".
 HRESULT read_number(std::u16string_view text, const platform::NumberMarks& marks, text_number& number);
 
-/// The nearest double; what is too small becomes zero. Fails: DISP_E_OVERFLOW.
+/// The nearest double; what is too small becomes zero.
+/// Fails: DISP_E_OVERFLOW.
 HRESULT to_double(const text_number& number, double& value);
 
-/// The nearest integer of `number` times ten to the power of `scale`, halves to even. Fails: DISP_E_OVERFLOW beyond 64
-/// bits.
+/// The nearest integer of `number` times ten to the power of `scale`, halves to even.
+/// Fails: DISP_E_OVERFLOW beyond 64 bits.
 HRESULT to_whole(const text_number& number, int scale, whole_number& value);
 
-/// The nearest integer, halves to even. Fails: DISP_E_OVERFLOW beyond 64 bits or for what is no number.
+/// The nearest integer, halves to even.
+/// Fails: DISP_E_OVERFLOW beyond 64 bits or for what is no number.
 HRESULT to_whole(double number, whole_number& value);
 
 /// `value` divided by ten thousand, rounded to the nearest integer, halves to even.

@@ -10,12 +10,13 @@
 #include "spcbase/platform/automation/safe_array.h"
 #include "spcbase/platform/automation/variant.h"
 
+/// A VARIANT that holds an array and clears itself.
 class SPCBASE_API COleSafeArray : public tagVARIANT {
  public:
   /// Empty: VT_EMPTY.
   COleSafeArray() noexcept : tagVARIANT{} {}
-  /// A copy with copies of the elements. Fails: `_com_error` with E_INVALIDARG when the source holds no array,
-  /// otherwise as `VariantCopy`.
+  /// A copy with copies of the elements.
+  /// Fails: `_com_error` with E_INVALIDARG when the source holds no array, otherwise as `VariantCopy`.
   COleSafeArray(const VARIANT& source);
   COleSafeArray(const COleSafeArray& source);
   COleSafeArray& operator=(const VARIANT& source);
@@ -33,13 +34,14 @@ class SPCBASE_API COleSafeArray : public tagVARIANT {
   void Create(VARTYPE type, DWORD dimensions, const SAFEARRAYBOUND* bounds);
 
   /// Clears and makes an array of one dimension. The elements are copied in as bits, so that the array owns every
-  /// string and reference in them from then on; without `elements` they are zero. Fails: as `Create`; the elements are
-  /// then still the caller's.
+  /// string and reference in them from then on; without `elements` they are zero.
+  /// Fails: as `Create`; the elements are then still the caller's.
   void CreateOneDim(VARTYPE type, DWORD count, const void* elements = nullptr, LONG lower_bound = 0);
 
-  /// Clears, takes the array of `source` over and leaves it empty. Fails: E_INVALIDARG when it holds no array; as
-  /// `Clear`.
+  /// Clears, takes the array of `source` over and leaves it empty.
+  /// Fails: E_INVALIDARG when it holds no array; as `Clear`.
   void Attach(VARIANT& source);
-  /// Hands the array out and becomes empty. Owns: the caller, with `VariantClear`.
+  /// Hands the array out and becomes empty.
+  /// Owns: the caller, with `VariantClear`.
   [[nodiscard]] VARIANT Detach() noexcept;
 };

@@ -16,24 +16,27 @@
 #include "spcbase/platform/automation/unknown.h"
 #include "spcbase/platform/automation/variant.h"
 
+/// One dimension.
 struct SAFEARRAYBOUND {
-  ULONG cElements;
-  LONG lLbound;
+  ULONG cElements;  ///< how many elements
+  LONG lLbound;     ///< the index of the first
 };
 
 /// The documented head of an array. Read it by the functions below; only `rgsabound` of a descriptor that was allocated
 /// alone is for the caller to fill.
 struct tagSAFEARRAY {
-  USHORT cDims;
-  USHORT fFeatures;
-  ULONG cbElements;
-  ULONG cLocks;
-  PVOID pvData;
-  SAFEARRAYBOUND rgsabound[1];
+  USHORT cDims;                 ///< how many dimensions
+  USHORT fFeatures;             ///< the FADF_ flags
+  ULONG cbElements;             ///< the size of an element in bytes
+  ULONG cLocks;                 ///< how many times the data is locked
+  PVOID pvData;                 ///< the elements
+  SAFEARRAYBOUND rgsabound[1];  ///< the dimensions, the rightmost first
 };
+/// The documented names.
 using SAFEARRAY = tagSAFEARRAY;
 using LPSAFEARRAY = tagSAFEARRAY*;
 
+/// What `fFeatures` tells: where the array lives, what its elements are, and what stands in front of the head.
 inline constexpr USHORT FADF_AUTO = 0x0001;
 inline constexpr USHORT FADF_STATIC = 0x0002;
 inline constexpr USHORT FADF_EMBEDDED = 0x0004;
@@ -57,20 +60,24 @@ SPCBASE_API SAFEARRAY* SafeArrayCreateEx(VARTYPE type, UINT dimensions, SAFEARRA
 /// A new array of one dimension, marked as a vector.
 SPCBASE_API SAFEARRAY* SafeArrayCreateVector(VARTYPE type, LONG lower_bound, ULONG count) noexcept;
 
-/// A descriptor with zero bounds, without type and data. Fails: E_INVALIDARG for 0 dimensions or null, E_OUTOFMEMORY.
+/// A descriptor with zero bounds, without type and data.
+/// Fails: E_INVALIDARG for 0 dimensions or null, E_OUTOFMEMORY.
 SPCBASE_API HRESULT SafeArrayAllocDescriptor(UINT dimensions, SAFEARRAY** array) noexcept;
-/// A descriptor of a type. Fails: also E_INVALIDARG for a type that arrays cannot hold.
+/// A descriptor of a type.
+/// Fails: also E_INVALIDARG for a type that arrays cannot hold.
 SPCBASE_API HRESULT SafeArrayAllocDescriptorEx(VARTYPE type, UINT dimensions, SAFEARRAY** array) noexcept;
 /// Gives a descriptor its zeroed data by `cbElements` and `rgsabound`.
 /// Fails: E_INVALIDARG for null or overflowing sizes, E_OUTOFMEMORY.
 SPCBASE_API HRESULT SafeArrayAllocData(SAFEARRAY* array) noexcept;
 
-/// Releases the elements, the data and the descriptor; null is fine. Fails: DISP_E_ARRAYISLOCKED, nothing is freed.
+/// Releases the elements, the data and the descriptor; null is fine.
+/// Fails: DISP_E_ARRAYISLOCKED, nothing is freed.
 SPCBASE_API HRESULT SafeArrayDestroy(SAFEARRAY* array) noexcept;
 /// Releases the elements and the data; data that is not the array's own (FADF_STATIC) is only zeroed.
 /// Fails: DISP_E_ARRAYISLOCKED; E_INVALIDARG for null.
 SPCBASE_API HRESULT SafeArrayDestroyData(SAFEARRAY* array) noexcept;
-/// Frees the descriptor alone; null is fine. Fails: DISP_E_ARRAYISLOCKED.
+/// Frees the descriptor alone; null is fine.
+/// Fails: DISP_E_ARRAYISLOCKED.
 SPCBASE_API HRESULT SafeArrayDestroyDescriptor(SAFEARRAY* array) noexcept;
 
 /// The number of dimensions; 0 for null.
@@ -81,10 +88,14 @@ SPCBASE_API UINT SafeArrayGetElemsize(SAFEARRAY* array) noexcept;
 /// Fails: DISP_E_BADINDEX for a dimension that is not there, E_INVALIDARG for null.
 SPCBASE_API HRESULT SafeArrayGetLBound(SAFEARRAY* array, UINT dimension, LONG* bound) noexcept;
 SPCBASE_API HRESULT SafeArrayGetUBound(SAFEARRAY* array, UINT dimension, LONG* bound) noexcept;
-/// The element type. Fails: E_INVALIDARG for null or a descriptor that does not know it.
+/// The element type.
+/// Fails: E_INVALIDARG for null or a descriptor that does not know it.
 SPCBASE_API HRESULT SafeArrayGetVartype(SAFEARRAY* array, VARTYPE* type) noexcept;
-/// The interface of object elements. Fails: E_INVALIDARG for null or another kind of array.
+/// The interface of object elements.
+/// Fails: E_INVALIDARG for null or another kind of array.
 SPCBASE_API HRESULT SafeArrayGetIID(SAFEARRAY* array, GUID* iid) noexcept;
+/// Sets that interface.
+/// Fails: E_INVALIDARG for null or another kind of array.
 SPCBASE_API HRESULT SafeArraySetIID(SAFEARRAY* array, REFGUID iid) noexcept;
 
 /// Counts one lock more or less; a locked array is neither resized nor destroyed.
@@ -96,7 +107,8 @@ SPCBASE_API HRESULT SafeArrayUnlock(SAFEARRAY* array) noexcept;
 SPCBASE_API HRESULT SafeArrayAccessData(SAFEARRAY* array, void** data) noexcept;
 SPCBASE_API HRESULT SafeArrayUnaccessData(SAFEARRAY* array) noexcept;
 
-/// The address of an element. Fails: DISP_E_BADINDEX outside the bounds, E_INVALIDARG for null or no data.
+/// The address of an element.
+/// Fails: DISP_E_BADINDEX outside the bounds, E_INVALIDARG for null or no data.
 SPCBASE_API HRESULT SafeArrayPtrOfIndex(SAFEARRAY* array, const LONG* indices, void** element) noexcept;
 /// Copies an element out: a new string, an added reference, a copied VARIANT. `value` is written over unread.
 /// Fails: DISP_E_BADINDEX, E_INVALIDARG, E_OUTOFMEMORY.
@@ -105,7 +117,8 @@ SPCBASE_API HRESULT SafeArrayGetElement(SAFEARRAY* array, const LONG* indices, v
 /// Fails: DISP_E_BADINDEX, E_INVALIDARG, E_OUTOFMEMORY; the old element stays.
 SPCBASE_API HRESULT SafeArrayPutElement(SAFEARRAY* array, const LONG* indices, const void* value) noexcept;
 
-/// A copy with copies of its elements, not locked. Null: a null array gives null and S_OK.
+/// A copy with copies of its elements, not locked.
+/// Null: a null array gives null and S_OK.
 /// Fails: E_INVALIDARG, E_OUTOFMEMORY, DISP_E_BADVARTYPE from an element.
 /// Owns:  the caller, with `SafeArrayDestroy`.
 SPCBASE_API HRESULT SafeArrayCopy(SAFEARRAY* array, SAFEARRAY** copy) noexcept;

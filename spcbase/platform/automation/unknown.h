@@ -16,6 +16,7 @@
 #include "spcbase/platform/system/guid.h"
 #include "spcbase/platform/system/types.h"
 
+/// UTF-16 texts that end with a zero.
 using LPOLESTR = OLECHAR*;
 using LPCOLESTR = const OLECHAR*;
 
@@ -23,6 +24,7 @@ using LPCOLESTR = const OLECHAR*;
 template <class T>
 struct interface_id;
 
+/// What every object has: interfaces by their identifier, and a count of references.
 struct IUnknown {
   /// Gives the object's interface `iid` in `*object` with one reference for the caller, else null and E_NOINTERFACE.
   virtual HRESULT QueryInterface(REFIID iid, void** object) = 0;
@@ -51,5 +53,6 @@ struct interface_id<IDispatch> {
   static constexpr IID value{0x00020400, 0x0000, 0x0000, {0xC0, 0, 0, 0, 0, 0, 0, 0x46}};
 };
 
+/// The identifiers of the interfaces.
 inline constexpr IID IID_IUnknown = interface_id<IUnknown>::value;
 inline constexpr IID IID_IDispatch = interface_id<IDispatch>::value;

@@ -17,16 +17,20 @@ struct IDispatch;
 struct tagSAFEARRAY;
 struct tagVARIANT;
 
+/// One of the VT_ numbers below.
 using VARTYPE = unsigned short;
 /// VARIANT_TRUE or VARIANT_FALSE; every other number than 0 counts as true.
 using VARIANT_BOOL = short;
 /// Days since 30 December 1899, the time of day as the fraction's magnitude.
 using DATE = double;
+/// An address of anything.
 using PVOID = void*;
 
+/// The two truth values.
 inline constexpr VARIANT_BOOL VARIANT_TRUE = -1;
 inline constexpr VARIANT_BOOL VARIANT_FALSE = 0;
 
+/// The types of a value, as documented; VT_ARRAY and VT_BYREF are added to another.
 inline constexpr VARTYPE VT_EMPTY = 0;
 inline constexpr VARTYPE VT_NULL = 1;
 inline constexpr VARTYPE VT_I2 = 2;
@@ -71,19 +75,21 @@ inline constexpr USHORT VARIANT_LOCALBOOL = 0x10;
 
 /// Money in ten-thousandths.
 union CY {
+  /// The amount times 10,000.
   LONGLONG int64;
 };
 
 /// The place of a record (never filled); it gives VARIANT its documented size.
 struct tagBRECORD {
+  /// Never used.
   PVOID pvRecord;
   PVOID pRecInfo;
 };
 
 /// Shape: 24 bytes, the type at 0, the value at 8. An aggregate without constructor: `VARIANT v{};` or `VariantInit`.
 struct tagVARIANT {
-  VARTYPE vt;
-  WORD wReserved1;
+  VARTYPE vt;       ///< the type: which of the values below holds
+  WORD wReserved1;  ///< not used
   WORD wReserved2;
   WORD wReserved3;
   union {
@@ -132,6 +138,7 @@ struct tagVARIANT {
     tagBRECORD brecVal;
   };
 };
+/// The documented names.
 using VARIANT = tagVARIANT;
 using VARIANTARG = tagVARIANT;
 using LPVARIANT = tagVARIANT*;

@@ -12,23 +12,30 @@
 #include "spcbase/platform/automation/unknown.h"
 #include "spcbase/platform/automation/variant.h"
 
+/// A VARIANT that clears itself, made from a value of each type and converted to each.
 class SPCBASE_API _variant_t : public tagVARIANT {
  public:
   _variant_t() noexcept;
+  /// A copy.
   _variant_t(const VARIANT& source);
   _variant_t(const VARIANT* source);
   _variant_t(const _variant_t& source);
   _variant_t(_variant_t&& source) noexcept;
   /// Takes `source` over and leaves it empty, or copies it when `copy` is true.
   _variant_t(VARIANT& source, bool copy);
-  /// VT_I2, or VT_BOOL when asked. Fails: E_INVALIDARG for other types.
+  /// VT_I2, or VT_BOOL when asked.
+  /// Fails: E_INVALIDARG for other types.
   explicit _variant_t(short value, VARTYPE type = VT_I2);
-  /// VT_I4, or VT_ERROR or VT_BOOL when asked. Fails: E_INVALIDARG for other types.
+  /// VT_I4, or VT_ERROR or VT_BOOL when asked.
+  /// Fails: E_INVALIDARG for other types.
   _variant_t(int value, VARTYPE type = VT_I4);
   _variant_t(long value, VARTYPE type = VT_I4);
+  /// VT_R4.
   _variant_t(float value) noexcept;
-  /// VT_R8, or VT_DATE when asked. Fails: E_INVALIDARG for other types.
+  /// VT_R8, or VT_DATE when asked.
+  /// Fails: E_INVALIDARG for other types.
   _variant_t(double value, VARTYPE type = VT_R8);
+  /// A value of the type that is documented for the argument; texts are copied, objects get a reference when asked.
   _variant_t(const CY& value) noexcept;
   _variant_t(const _bstr_t& value);
   _variant_t(const char16_t* value);
@@ -45,11 +52,14 @@ class SPCBASE_API _variant_t : public tagVARIANT {
   _variant_t(unsigned long long value) noexcept;
   ~_variant_t();
 
+  /// Becomes a copy of the value.
   _variant_t& operator=(const VARIANT& source);
   _variant_t& operator=(const VARIANT* source);
   _variant_t& operator=(const _variant_t& source);
   _variant_t& operator=(_variant_t&& source) noexcept;
 
+  /// The value in that type, converted as by `VariantChangeType`.
+  /// Fails: `_com_error` with the code of the conversion.
   operator short() const;
   operator int() const;
   operator long() const;
@@ -65,7 +75,8 @@ class SPCBASE_API _variant_t : public tagVARIANT {
   operator unsigned long() const;
   operator long long() const;
   operator unsigned long long() const;
-  /// The object with a reference added. Owns: the caller.
+  /// The object with a reference added.
+  /// Owns: the caller.
   operator IDispatch*() const;
   operator IUnknown*() const;
 
@@ -73,12 +84,14 @@ class SPCBASE_API _variant_t : public tagVARIANT {
   bool operator==(const VARIANT& other) const noexcept;
   bool operator==(const _variant_t& other) const noexcept { return *this == static_cast<const VARIANT&>(other); }
 
-  /// Makes it empty. Fails: throws `_com_error`.
+  /// Makes it empty.
+  /// Fails: throws `_com_error`.
   void Clear();
   /// Takes `source` over and leaves it empty.
   void Attach(VARIANT& source);
   /// Hands the value out and becomes empty.
   VARIANT Detach() noexcept;
+  /// The value itself.
   VARIANT& GetVARIANT() noexcept { return *this; }
   /// Clears and gives the place to receive a value.
   VARIANT* GetAddress();

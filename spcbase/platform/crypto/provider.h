@@ -24,29 +24,36 @@
 
 #include "spcbase/platform/system/types.h"
 
+/// An algorithm, and handles that are only passed back.
 using ALG_ID = unsigned int;
 using HCRYPTPROV = std::uintptr_t;
 using HCRYPTHASH = std::uintptr_t;
 using HCRYPTKEY = std::uintptr_t;
 
+/// The type that all three providers have.
 inline constexpr DWORD PROV_RSA_FULL = 1;
 
+/// The three providers.
 inline constexpr char16_t MS_DEF_PROV[] = u"Microsoft Base Cryptographic Provider v1.0";
 inline constexpr char16_t MS_ENHANCED_PROV[] = u"Microsoft Enhanced Cryptographic Provider v1.0";
 inline constexpr char16_t MS_STRONG_PROV[] = u"Microsoft Strong Cryptographic Provider";
 
+/// Flags of `CryptAcquireContextW`: the first must be given; with the last nothing is acquired.
 inline constexpr DWORD CRYPT_VERIFYCONTEXT = 0xF0000000U;
 inline constexpr DWORD CRYPT_NEWKEYSET = 0x00000008U;
 inline constexpr DWORD CRYPT_DELETEKEYSET = 0x00000010U;
 
+/// The hash and the two ciphers.
 inline constexpr ALG_ID CALG_SHA1 = 0x00008004U;
 inline constexpr ALG_ID CALG_3DES = 0x00006603U;
 inline constexpr ALG_ID CALG_RC4 = 0x00006801U;
 
+/// What `CryptSetKeyParam` sets.
 inline constexpr DWORD KP_IV = 1;
 inline constexpr DWORD KP_SALT = 2;
 inline constexpr DWORD KP_SALT_EX = 10;
 
+/// What the calls leave as the last error.
 inline constexpr DWORD NTE_BAD_UID = 0x80090001U;
 inline constexpr DWORD NTE_BAD_HASH = 0x80090002U;
 inline constexpr DWORD NTE_BAD_KEY = 0x80090003U;
@@ -68,8 +75,8 @@ inline constexpr DWORD NTE_FAIL = 0x80090020U;
 
 /// A block of bytes with its length, as `KP_SALT_EX` takes it.
 struct CRYPT_DATA_BLOB {
-  DWORD cbData;
-  BYTE* pbData;
+  DWORD cbData;  ///< the length in bytes
+  BYTE* pbData;  ///< the bytes
 };
 
 /// Acquires a provider by its name, one of the three above.
@@ -93,6 +100,8 @@ BOOL CryptCreateHash(HCRYPTPROV provider, ALG_ID algorithm, HCRYPTKEY key, DWORD
 /// Adds bytes to a hash. `flags` is 0.
 /// Fails:  NTE_BAD_HASH_STATE when a key was derived from it, NTE_BAD_FLAGS.
 BOOL CryptHashData(HCRYPTHASH hash, const BYTE* data, DWORD size_bytes, DWORD flags) noexcept;
+/// Releases a hash.
+/// Fails: NTE_BAD_HASH for what is none.
 BOOL CryptDestroyHash(HCRYPTHASH hash) noexcept;
 
 /// Derives a key from a hash, which takes no more data after that.
@@ -105,6 +114,8 @@ BOOL CryptDestroyHash(HCRYPTHASH hash) noexcept;
 /// Owns:   the caller releases it with `CryptDestroyKey`.
 /// Source: the remarks of the public documentation of CryptDeriveKey.
 BOOL CryptDeriveKey(HCRYPTPROV provider, ALG_ID algorithm, HCRYPTHASH hash, DWORD flags, HCRYPTKEY* key) noexcept;
+/// Releases a key.
+/// Fails: NTE_BAD_KEY for what is none.
 BOOL CryptDestroyKey(HCRYPTKEY key) noexcept;
 
 /// Reads `KP_SALT`, or `KP_IV` of a block cipher. `flags` is 0.

@@ -39,6 +39,7 @@ class CallGate {
  public:
   /// Sets or removes (null) the hook. Not owned.
   void set_hook(CallHook* hook) noexcept { hook_ = hook; }
+  /// The hook, null when there is none.
   CallHook* hook() const noexcept { return hook_; }
 
   /// True when a hook refuses the call; `refusal` then holds its diagnostic.

@@ -66,8 +66,10 @@ class SPCBASE_API CDatabase {
   /// Closes open recordsets, drops kept statements, rolls back what is open, disconnects. A handle that a host handed
   /// in stays open. Harmless when not connected.
   virtual void Close();
+  /// Whether there is a connection.
   BOOL IsOpen() const { return m_hdbc != nullptr; }
 
+  /// What was found when connecting: whether rows may be changed, whether there are transactions, the connect text.
   BOOL CanUpdate() const { return m_bUpdatable; }
   BOOL CanTransact() const { return m_bTransactions; }
   const CString& GetConnect() const { return m_strConnect; }

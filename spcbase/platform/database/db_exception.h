@@ -11,6 +11,7 @@
 #include "spcbase/platform/system/types.h"
 #include "spcbase/platform/text/cstring.h"
 
+/// A return code of a database call.
 using RETCODE = short;
 
 /// Return codes of failures that the layer itself finds; those of a driver are its own (-1 is SQL_ERROR).
@@ -32,6 +33,7 @@ inline constexpr RETCODE AFX_SQL_ERROR_DATA_TRUNCATED = AFX_SQL_ERROR + 21;
 /// A failed database operation.
 class SPCBASE_API CDBException : public CException {
  public:
+  /// The code: one of the AFX_SQL_ERROR numbers, or the driver's own.
   RETCODE m_nRetCode = 0;
   /// The driver's text, for people.
   CString m_strError;
@@ -40,6 +42,7 @@ class SPCBASE_API CDBException : public CException {
   /// The statement that failed, as it was given, values of password columns masked; empty when none was sent.
   CString m_strStatement;
 
+  /// A failure that the layer itself finds; the caller sets the text.
   explicit CDBException(RETCODE code = 0) : m_nRetCode(code) {}
   /// Holds what a driver said.
   explicit CDBException(const spcdb::Diagnostic& diagnostic);

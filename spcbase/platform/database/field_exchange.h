@@ -29,16 +29,20 @@ class RecordsetCore;
 /// The operation that runs, and the recordset that it runs for.
 class SPCBASE_API CFieldExchange {
  public:
+  /// The passes of an exchange.
   enum RFX_Operation : UINT {
     BindParam = 0,          ///< parameters give their values
     BindFieldToColumn = 2,  ///< columns tell kind and width
     Fixup = 3,              ///< the fetched row goes into the members
     Name = 8,               ///< the select list is written
   };
+  /// What is described: result columns, or parameters of the filter.
   enum FieldType : UINT { outputColumn = 0, param = 1 };
 
+  /// For one pass.
   CFieldExchange(UINT operation, CRecordset* recordset) : m_nOperation(operation), m_prs(recordset) {}
 
+  /// One of RFX_Operation, and the recordset that is exchanged.
   UINT m_nOperation;
   CRecordset* m_prs;
   /// In the pass `Name`: the statement that is being written. It begins with "SELECT".
@@ -58,7 +62,8 @@ class SPCBASE_API CFieldExchange {
 /// Exchange a member with a column. Names may stand in square brackets, with the table's before it; what is given is
 /// what goes into the statement. In a pass for the other field type than the one set, nothing happens.
 
-/// A whole number of 32 bits. Fails: CDBException* (22003) for a value beyond them.
+/// A whole number of 32 bits.
+/// Fails: CDBException* (22003) for a value beyond them.
 SPCBASE_API void RFX_Long(CFieldExchange* exchange, const char* name, long& value);
 /// A text of at most `max_length` characters (not bytes). A longer one that is read is a failure with
 /// AFX_SQL_ERROR_DATA_TRUNCATED; one that is written is the server's to refuse. `column_type` and `scale` are kept for
@@ -72,9 +77,9 @@ SPCBASE_API void RFX_Double(CFieldExchange* exchange, const char* name, double& 
 /// Long data, read and written in pieces. They are read when a row becomes current and are not kept twice: behind
 /// CancelUpdate, or an Update that followed AddNew, the holder has what was put into it. Nothing compares them, so
 /// after Edit only SetFieldDirty makes them count as changed; SetFieldNull makes them null and does not mark them. A
-/// null frees the holder's block; a value without bytes that is no null has no block either. Fails:
-/// CInvalidArgException* for a null exchange or name, or a length beyond the block; CMemoryException*;
-/// AFX_SQL_ERROR_ILLEGAL_MODE when a recordset that is not forwardOnly moves and its table has no key.
+/// null frees the holder's block; a value without bytes that is no null has no block either.
+/// Fails: CInvalidArgException* for a null exchange or name, or a length beyond the block; CMemoryException*;
+///        AFX_SQL_ERROR_ILLEGAL_MODE when a recordset that is not forwardOnly moves and its table has no key.
 SPCBASE_API void RFX_LongBinary(CFieldExchange* exchange, const char* name, CLongBinary& value);
 
 namespace spcdb {
@@ -82,8 +87,8 @@ namespace spcdb {
 /// Bytes through a buffer that is bound to the column, for drivers that cannot read or write in pieces. The buffer has
 /// the size that the driver reports for the column, but `maximum_size` where that is greater, or 0 for unknown. A
 /// longer value that is read is a failure with AFX_SQL_ERROR_DATA_TRUNCATED. A null shows as one byte, 0xFF; what was
-/// put into the array is found by comparing. Fails: CInvalidArgException* for a null exchange or name, or a size
-/// below 1.
+/// put into the array is found by comparing.
+/// Fails: CInvalidArgException* for a null exchange or name, or a size below 1.
 SPCBASE_API void exchange_bytes(CFieldExchange* exchange, const char* name, CByteArray& value, int maximum_size);
 
 }  // namespace spcdb

@@ -1,7 +1,7 @@
 /// CLongBinary: the bytes of a long column, held in a memory block by handle.
 ///
-/// Part of the database platform layer. The block may be larger than the data: who fills it anew may keep it. Threads:
-/// a holder belongs to one thread at a time.
+/// Part of the database platform layer. The block may be larger than the data: who fills it anew may keep it.
+/// Threads: a holder belongs to one thread at a time.
 #pragma once
 
 #include "spcbase/platform/system/export.h"

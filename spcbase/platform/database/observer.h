@@ -29,6 +29,7 @@ struct StatementReport {
 class SPCBASE_API StatementObserver {
  public:
   virtual ~StatementObserver() = default;
+  /// One statement has ended; the report lives until the call returns.
   virtual void on_statement(const StatementReport& report) noexcept = 0;
 };
 

@@ -36,11 +36,14 @@ namespace spcdb {
 class RecordsetCore;
 }
 
+/// The type that stands for `m_nDefaultType`.
 inline constexpr UINT AFX_DB_USE_DEFAULT_TYPE = 0xffffffffU;
+/// The fetch type of moving one row on.
 inline constexpr WORD SQL_FETCH_NEXT_RECORD = 1;
 
 /// What the server says about a result column.
 struct CODBCFieldInfo {
+  /// The name, the server's type, its precision and scale, and whether it may be null (0 no, 1 yes, 2 unknown).
   CString m_strName;
   short m_nSQLType = 0;
   DWORD m_nPrecision = 0;
@@ -51,7 +54,9 @@ struct CODBCFieldInfo {
 /// The rows of a statement.
 class SPCBASE_API CRecordset {
  public:
+  /// How rows are taken: `forwardOnly` reads straight from the server, the others hold the rows of the opening.
   enum OpenType : UINT { dynaset = 0, snapshot = 1, forwardOnly = 2, dynamic = 3 };
+  /// What may be done with the rows, and how the statement runs.
   enum OpenOptions : DWORD {
     none = 0,
     appendOnly = 0x0001,
@@ -65,24 +70,25 @@ class SPCBASE_API CRecordset {
   /// How `Move` reads its argument: as rows from the present one, or as one of the documented fetch types.
   enum FetchType : WORD { fetchNext = 1, fetchFirst = 2, fetchLast = 3, fetchPrior = 4, fetchRelative = 6 };
 
+  /// A closed recordset on a connection, which must outlive it.
   explicit CRecordset(CDatabase* database = nullptr);
   virtual ~CRecordset();  ///< closes
   CRecordset(const CRecordset&) = delete;
   CRecordset& operator=(const CRecordset&) = delete;
 
-  CDatabase* m_pDatabase = nullptr;
-  CString m_strFilter;  ///< what stands behind WHERE, without the word; used by the next Open or Requery
-  CString m_strSort;    ///< what stands behind ORDER BY
-  UINT m_nFields = 0;   ///< how many columns DoFieldExchange names
-  UINT m_nParams = 0;   ///< how many parameters it names
-  UINT m_nDefaultType = dynaset;
-  DWORD m_dwOptions = none;  ///< those of the last Open
-  BOOL m_bEOF = TRUE;        ///< on an empty result and behind the last row
-  BOOL m_bBOF = TRUE;        ///< on an empty result and before the first row
+  CDatabase* m_pDatabase = nullptr;  ///< the connection; not owned
+  CString m_strFilter;               ///< what stands behind WHERE, without the word; used by the next Open or Requery
+  CString m_strSort;                 ///< what stands behind ORDER BY
+  UINT m_nFields = 0;                ///< how many columns DoFieldExchange names
+  UINT m_nParams = 0;                ///< how many parameters it names
+  UINT m_nDefaultType = dynaset;     ///< the OpenType of an Open that names none
+  DWORD m_dwOptions = none;          ///< those of the last Open
+  BOOL m_bEOF = TRUE;                ///< on an empty result and behind the last row
+  BOOL m_bBOF = TRUE;                ///< on an empty result and before the first row
 
   /// Runs the statement and moves to the first row. `sql` is a table, a list of tables or a whole SELECT; null stands
-  /// for GetDefaultSQL. Returns 0 when the recordset has no connection, or one that is not open. Fails: CDBException*
-  /// for every database error; also when it is open already (AFX_SQL_ERROR_ILLEGAL_MODE).
+  /// for GetDefaultSQL. Returns 0 when the recordset has no connection, or one that is not open.
+  /// Fails: CDBException* for every database error; also when it is open already (AFX_SQL_ERROR_ILLEGAL_MODE).
   virtual BOOL Open(UINT type = AFX_DB_USE_DEFAULT_TYPE, const char* sql = nullptr, DWORD options = none);
   /// Gives the rows back; the object may be opened again. Harmless when closed.
   virtual void Close();
@@ -92,15 +98,18 @@ class SPCBASE_API CRecordset {
   /// Moves. A forward-only recordset only moves to the next row (else AFX_SQL_ERROR_RECORDSET_FORWARD_ONLY). Moving
   /// drops an edit that was begun.
   virtual void Move(long rows, WORD fetch_type = fetchRelative);
+  /// Moves to the next row, the one before, the first, the last.
   void MoveNext() { Move(1, fetchNext); }
   void MovePrev() { Move(-1, fetchRelative); }
   void MoveFirst() { Move(0, fetchFirst); }
   void MoveLast() { Move(0, fetchLast); }
 
+  /// What state the recordset and its current row are in.
   BOOL IsOpen() const { return open_; }
   BOOL IsEOF() const { return m_bEOF; }
   BOOL IsBOF() const { return m_bBOF; }
   BOOL IsDeleted() const { return deleted_; }
+  /// Whether rows may be changed, and added.
   BOOL CanUpdate() const;
   BOOL CanAppend() const;
   /// Rows moved over so far; for all but forward-only recordsets the count of all.
@@ -108,17 +117,18 @@ class SPCBASE_API CRecordset {
   /// The statement of the last Open in its given form.
   CString GetSQL() const;
 
-  /// Begins a new row: every field is null and unset. Fails: CDBException* when the recordset is read-only.
+  /// Begins a new row: every field is null and unset.
+  /// Fails: CDBException* when the recordset is read-only.
   virtual void AddNew();
   /// Begins a change of the present row.
   /// Fails: CDBException* when the recordset is read-only or appendOnly, or there is no row
   /// (AFX_SQL_ERROR_NO_CURRENT_RECORD).
   virtual void Edit();
   /// Sends what AddNew or Edit began: the fields that were set, changed or marked dirty and no others. Returns 0 and
-  /// sends nothing when there is none. After Edit the row stays current; after AddNew the row from before does. Fails:
-  /// CDBException* from the server; AFX_SQL_ERROR_NO_ROWS_AFFECTED when the row is gone,
-  /// AFX_SQL_ERROR_MULTIPLE_ROWS_AFFECTED when more than one was hit; the edit is dropped then and the fields hold what
-  /// was fetched.
+  /// sends nothing when there is none. After Edit the row stays current; after AddNew the row from before does.
+  /// Fails: CDBException* from the server; AFX_SQL_ERROR_NO_ROWS_AFFECTED when the row is gone,
+  ///        AFX_SQL_ERROR_MULTIPLE_ROWS_AFFECTED when more than one was hit; the edit is dropped then and the fields
+  ///        hold what was fetched.
   virtual BOOL Update();
   /// Deletes the present row; its fields are null then, and IsDeleted is true until the next Move.
   virtual void Delete();

@@ -16,6 +16,7 @@
 class SPCBASE_API CTimeSpan {
  public:
   CTimeSpan() noexcept = default;
+  /// A number of seconds, or the sum of the parts.
   CTimeSpan(__time64_t seconds) noexcept : seconds_(seconds) {}
   CTimeSpan(long days, int hours, int minutes, int seconds) noexcept
       : seconds_(((days * 24 + hours) * 60 + minutes) * 60 + seconds) {}
@@ -29,8 +30,10 @@ class SPCBASE_API CTimeSpan {
   int GetHours() const noexcept { return static_cast<int>(seconds_ / 3600 % 24); }
   int GetMinutes() const noexcept { return static_cast<int>(seconds_ / 60 % 60); }
   int GetSeconds() const noexcept { return static_cast<int>(seconds_ % 60); }
+  /// The whole length in seconds.
   __time64_t GetTimeSpan() const noexcept { return seconds_; }
 
+  /// Sums and differences.
   CTimeSpan operator+(CTimeSpan other) const noexcept { return seconds_ + other.seconds_; }
   CTimeSpan operator-(CTimeSpan other) const noexcept { return seconds_ - other.seconds_; }
   CTimeSpan& operator+=(CTimeSpan other) noexcept { return *this = *this + other; }
@@ -49,6 +52,7 @@ class SPCBASE_API CTime {
 
   /// Second 0.
   CTime() noexcept = default;
+  /// Seconds since 1970-01-01 00:00 UTC.
   CTime(__time64_t seconds) noexcept : seconds_(seconds) {}
   /// Local fields; `daylight_flag` above 0 is daylight time, 0 standard time, -1 by the zone's rule.
   /// Fails:  E_INVALIDARG by `AtlThrow` for a year below 1900, a field outside its range, or fields that `_mktime64`
@@ -60,6 +64,7 @@ class SPCBASE_API CTime {
   /// Fails:  E_INVALIDARG by `AtlThrow` when it is no date.
   CTime(const FILETIME& file_time, int daylight_flag = -1);
 
+  /// Seconds since 1970-01-01 00:00 UTC.
   __time64_t GetTime() const noexcept { return seconds_; }
   /// The fields in local time; 0 when the moment has none.
   int GetYear() const noexcept;
@@ -83,6 +88,7 @@ class SPCBASE_API CTime {
   /// The same in UTC.
   CString FormatGmt(const char* format) const;
 
+  /// A moment moved by a length, and the length between two moments.
   CTime operator+(CTimeSpan span) const noexcept { return seconds_ + span.GetTimeSpan(); }
   CTime operator-(CTimeSpan span) const noexcept { return seconds_ - span.GetTimeSpan(); }
   CTimeSpan operator-(CTime other) const noexcept { return seconds_ - other.seconds_; }

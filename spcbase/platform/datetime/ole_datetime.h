@@ -17,17 +17,21 @@
 /// A length of time in days.
 class SPCBASE_API COleDateTimeSpan {
  public:
+  /// Whether it is a length at all.
   enum DateTimeSpanStatus { valid = 0, invalid = 1, null = 2 };
 
   /// No time, valid.
   COleDateTimeSpan() noexcept = default;
   /// A number of days.
   COleDateTimeSpan(double days) noexcept : m_span(days) { check_range(); }
+  /// The sum of the parts.
   COleDateTimeSpan(long days, int hours, int minutes, int seconds) noexcept {
     SetDateTimeSpan(days, hours, minutes, seconds);
   }
 
+  /// Sets the length to the sum of the parts.
   void SetDateTimeSpan(long days, int hours, int minutes, int seconds) noexcept;
+  /// The status; setting it leaves the value alone.
   DateTimeSpanStatus GetStatus() const noexcept { return m_status; }
   void SetStatus(DateTimeSpanStatus status) noexcept { m_status = status; }
 
@@ -42,8 +46,10 @@ class SPCBASE_API COleDateTimeSpan {
   long GetMinutes() const noexcept;
   long GetSeconds() const noexcept;
 
+  /// The length in days.
   operator double() const noexcept { return m_span; }
 
+  /// Sums and differences; invalid unless both are valid.
   COleDateTimeSpan operator+(const COleDateTimeSpan& other) const noexcept;
   COleDateTimeSpan operator-(const COleDateTimeSpan& other) const noexcept;
   COleDateTimeSpan& operator+=(const COleDateTimeSpan& other) noexcept { return *this = *this + other; }
@@ -55,6 +61,7 @@ class SPCBASE_API COleDateTimeSpan {
     return m_status == other.m_status && m_span == other.m_span;
   }
   bool operator!=(const COleDateTimeSpan& other) const noexcept { return !(*this == other); }
+  /// Order by length, whatever the status.
   bool operator<(const COleDateTimeSpan& other) const noexcept { return m_span < other.m_span; }
   bool operator>(const COleDateTimeSpan& other) const noexcept { return m_span > other.m_span; }
   bool operator<=(const COleDateTimeSpan& other) const noexcept { return m_span <= other.m_span; }
@@ -62,7 +69,7 @@ class SPCBASE_API COleDateTimeSpan {
 
   /// The length in days.
   double m_span = 0;
-  DateTimeSpanStatus m_status = valid;
+  DateTimeSpanStatus m_status = valid;  ///< what `GetStatus` gives
 
  private:
   void check_range() noexcept;
@@ -72,6 +79,7 @@ class SPCBASE_API COleDateTimeSpan {
 /// Null:   status `null` is "no date", `invalid` is "not a date"; every field reads as -1 then.
 class SPCBASE_API COleDateTime {
  public:
+  /// Whether it is a moment at all.
   enum DateTimeStatus { error = -1, valid = 0, invalid = 1, null = 2 };
 
   /// The present second in the current zone; invalid when `_localtime64_s` refuses it.
@@ -87,15 +95,18 @@ class SPCBASE_API COleDateTime {
   COleDateTime(const SYSTEMTIME& fields) noexcept { *this = fields; }
   /// A file time, which is UTC, in local time.
   COleDateTime(const FILETIME& file_time) noexcept { *this = file_time; }
+  /// Fields; invalid when they are no date.
   COleDateTime(int year, int month, int day, int hour, int minute, int second) noexcept {
     SetDateTime(year, month, day, hour, minute, second);
   }
 
+  /// As the constructors.
   COleDateTime& operator=(double date) noexcept;
   COleDateTime& operator=(__time64_t seconds) noexcept;
   COleDateTime& operator=(const SYSTEMTIME& fields) noexcept;
   COleDateTime& operator=(const FILETIME& file_time) noexcept;
 
+  /// The status; setting it leaves the value alone.
   DateTimeStatus GetStatus() const noexcept { return m_status; }
   void SetStatus(DateTimeStatus status) noexcept { m_status = status; }
 
@@ -127,6 +138,7 @@ class SPCBASE_API COleDateTime {
   /// The date by the rules of `strftime`. Otherwise like the form above.
   CString Format(const char* format) const;
 
+  /// The variant time.
   operator double() const noexcept { return m_dt; }
 
   /// Adding and subtracting count days evenly through day 0. A null operand gives null, an invalid one invalid; a
@@ -148,7 +160,7 @@ class SPCBASE_API COleDateTime {
 
   /// The variant time.
   double m_dt = 0;
-  DateTimeStatus m_status = valid;
+  DateTimeStatus m_status = valid;  ///< what `GetStatus` gives
 
  private:
   void check_range() noexcept;

@@ -12,6 +12,7 @@
 
 /// A date and time by fields; day of week 0 is Sunday.
 struct _SYSTEMTIME {
+  /// The fields as they are on a calendar; months from 1, days of the week from 0 for Sunday.
   WORD wYear;
   WORD wMonth;
   WORD wDayOfWeek;
@@ -21,10 +22,12 @@ struct _SYSTEMTIME {
   WORD wSecond;
   WORD wMilliseconds;
 };
+/// The documented name.
 using SYSTEMTIME = _SYSTEMTIME;
 
 /// 100 nanoseconds since 1601-01-01, in two halves.
 struct FILETIME {
+  /// The two halves of the number.
   DWORD dwLowDateTime;
   DWORD dwHighDateTime;
 };

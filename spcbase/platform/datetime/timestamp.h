@@ -6,6 +6,7 @@
 #ifndef __SQLTYPES_H
 /// A date and time by fields. `fraction` counts billionths of a second.
 struct tagTIMESTAMP_STRUCT {
+  /// The fields as they are on a calendar; `fraction` counts billionths of a second.
   short year;
   unsigned short month;
   unsigned short day;
@@ -14,5 +15,6 @@ struct tagTIMESTAMP_STRUCT {
   unsigned short second;
   unsigned int fraction;
 };
+/// The documented name.
 using TIMESTAMP_STRUCT = tagTIMESTAMP_STRUCT;
 #endif

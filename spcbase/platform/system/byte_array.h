@@ -1,7 +1,8 @@
 /// CByteArray: a block of bytes that grows.
 ///
-/// Part of the platform layer. Differs: only the operations that are used here. Threads: an array belongs to one thread
-/// at a time.
+/// Part of the platform layer.
+/// Differs: only the operations that are used here.
+/// Threads: an array belongs to one thread at a time.
 #pragma once
 
 #include <cstdint>
@@ -11,6 +12,7 @@
 #include "spcbase/platform/system/object.h"
 #include "spcbase/platform/system/types.h"
 
+/// An index or count.
 using INT_PTR = std::intptr_t;
 
 namespace spcdb {
@@ -23,6 +25,7 @@ class SPCBASE_API CByteArray : public CObject {
   CByteArray() noexcept = default;
   ~CByteArray() override;
 
+  /// How many bytes there are, the index of the last, and whether there are none.
   INT_PTR GetSize() const noexcept { return static_cast<INT_PTR>(bytes_.size()); }
   INT_PTR GetCount() const noexcept { return GetSize(); }
   INT_PTR GetUpperBound() const noexcept { return GetSize() - 1; }
@@ -31,10 +34,13 @@ class SPCBASE_API CByteArray : public CObject {
   /// Changes the size; bytes that are added are zero. `grow_by` is kept for the sake of the signature.
   /// Fails: CInvalidArgException* for a negative size, CMemoryException* when memory runs out.
   void SetSize(INT_PTR size, INT_PTR grow_by = -1);
+  /// Takes all bytes out.
   void RemoveAll() { SetSize(0); }
-  /// Takes the bytes of another array. Fails: CMemoryException*.
+  /// Takes the bytes of another array.
+  /// Fails: CMemoryException*.
   void Copy(const CByteArray& source);
-  /// Appends a byte and gives its index. Fails: CMemoryException*.
+  /// Appends a byte and gives its index.
+  /// Fails: CMemoryException*.
   INT_PTR Add(BYTE byte);
 
   /// Fails: CInvalidArgException* for an index outside of the array; so do SetAt and the operators.

@@ -18,11 +18,13 @@
 #include "spcbase/platform/system/object.h"
 #include "spcbase/platform/system/types.h"
 
+/// An open file.
 using HANDLE = void*;
 
 /// What `CreateFileA` gives when it fails; no other call gives or takes it.
 inline const HANDLE INVALID_HANDLE_VALUE = reinterpret_cast<HANDLE>(static_cast<std::intptr_t>(-1));
 
+/// What is to be done with the file, and what others may do meanwhile.
 inline constexpr DWORD GENERIC_READ = 0x80000000;
 inline constexpr DWORD GENERIC_WRITE = 0x40000000;
 inline constexpr DWORD FILE_SHARE_READ = 0x00000001;
@@ -32,6 +34,7 @@ inline constexpr DWORD CREATE_ALWAYS = 2;      ///< makes the file, or empties t
 inline constexpr DWORD OPEN_EXISTING = 3;      ///< opens the file; fails with error 2 when there is none
 inline constexpr DWORD OPEN_ALWAYS = 4;        ///< opens the file, or makes it
 inline constexpr DWORD TRUNCATE_EXISTING = 5;  ///< opens and empties the file; asks for GENERIC_WRITE
+/// Attributes; they are not looked at.
 inline constexpr DWORD FILE_ATTRIBUTE_DIRECTORY = 0x00000010;
 inline constexpr DWORD FILE_ATTRIBUTE_NORMAL = 0x00000080;
 
@@ -87,9 +90,11 @@ class SPCBASE_API CFileException : public CException {
   /// Throws the exception for a system error number.
   [[noreturn]] static void ThrowOsError(LONG os_error, const char* file_name = nullptr);
 
-  int m_cause;
-  LONG m_lOsError;
-  std::string m_strFileName;  ///< as it was given to the call. Differs: not a CString, which stands a layer above
+  int m_cause;      ///< what went wrong, one of the causes above
+  LONG m_lOsError;  ///< the system error number, -1 when there is none
+  /// The name as it was given to the call.
+  /// Differs: not a CString, which stands a layer above.
+  std::string m_strFileName;
 };
 
 /// Throws a new `CFileException*`.
@@ -121,7 +126,8 @@ class SPCBASE_API CFile : public CObject {
   static const HANDLE hFileNull;
 
   CFile() noexcept;
-  /// Opens a file. Fails: `CFileException*`.
+  /// Opens a file.
+  /// Fails: `CFileException*`.
   CFile(const char* file_name, UINT open_flags);
   ~CFile() override;
 
@@ -141,6 +147,7 @@ class SPCBASE_API CFile : public CObject {
   /// Closes the file and passes over every failure.
   virtual void Abort() noexcept;
 
+  /// The file; `INVALID_HANDLE_VALUE` when none is open.
   HANDLE m_hFile;
 
  private:

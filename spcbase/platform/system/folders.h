@@ -12,8 +12,10 @@
 #include "spcbase/platform/system/file.h"
 #include "spcbase/platform/system/types.h"
 
+/// A window; there are none, so it is null.
 using HWND = void*;
 
+/// The size that a buffer for a path must have, its zero included.
 inline constexpr DWORD MAX_PATH = 260;
 
 /// The data of the user's programs that belong to this machine: `.local/share` in the home.

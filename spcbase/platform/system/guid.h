@@ -12,6 +12,7 @@
 
 /// A unique id. In memory the first three fields are in the machine's byte order.
 struct _GUID {
+  /// The id in its documented parts.
   std::uint32_t Data1;
   std::uint16_t Data2;
   std::uint16_t Data3;
@@ -21,6 +22,7 @@ struct _GUID {
 };
 static_assert(sizeof(_GUID) == 16);
 
+/// The documented names.
 using GUID = _GUID;
 using UUID = _GUID;
 using IID = _GUID;

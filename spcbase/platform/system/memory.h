@@ -4,8 +4,8 @@
 /// and counts a lock, `GlobalUnlock` takes the lock back. A fixed block's handle is its address and needs no lock.
 ///
 /// Differs: unlocked movable blocks move only when they are reallocated or a function of the library fills them;
-/// nothing is discarded but by size 0. A handle that was freed is not recognised: using one is undefined. Threads: a
-/// block belongs to one thread at a time.
+/// nothing is discarded but by size 0. A handle that was freed is not recognised: using one is undefined.
+/// Threads: a block belongs to one thread at a time.
 #pragma once
 
 #include <cstddef>
@@ -13,8 +13,10 @@
 #include "spcbase/platform/system/export.h"
 #include "spcbase/platform/system/types.h"
 
+/// A block of memory.
 using HGLOBAL = void*;
 
+/// How a block is made: fixed or movable, zeroed; GMEM_MODIFY changes only that.
 inline constexpr UINT GMEM_FIXED = 0x0000;
 inline constexpr UINT GMEM_MOVEABLE = 0x0002;
 inline constexpr UINT GMEM_ZEROINIT = 0x0040;
@@ -55,7 +57,8 @@ SPCBASE_API HGLOBAL GlobalHandle(const void* address) noexcept;
 /// The lock count in the low byte and, for a discarded block, the mark 0x4000; 0x8000 with last error 6 for null.
 SPCBASE_API UINT GlobalFlags(HGLOBAL block) noexcept;
 
-/// A block of the task allocator, or null. Owns: the caller releases it with `CoTaskMemFree`.
+/// A block of the task allocator, or null.
+/// Owns: the caller releases it with `CoTaskMemFree`.
 SPCBASE_API void* CoTaskMemAlloc(std::size_t size_bytes) noexcept;
 /// Changes the size of a block of the task allocator; null with the block as it was when memory runs out.
 SPCBASE_API void* CoTaskMemRealloc(void* block, std::size_t size_bytes) noexcept;

@@ -1,6 +1,7 @@
 /// CObject: the common base of classes that are deleted through a pointer to it.
 ///
-/// Part of the platform layer. Differs: no run-time class information, no serialisation.
+/// Part of the platform layer.
+/// Differs: no run-time class information, no serialisation.
 #pragma once
 
 #include "spcbase/platform/system/export.h"

@@ -10,6 +10,7 @@
 #include "spcbase/platform/system/export.h"
 #include "spcbase/platform/system/types.h"
 
+/// The documented error numbers that occur here.
 inline constexpr DWORD ERROR_SUCCESS = 0;
 inline constexpr DWORD ERROR_FILE_NOT_FOUND = 2;
 inline constexpr DWORD ERROR_PATH_NOT_FOUND = 3;

@@ -11,8 +11,10 @@
 #include <cstdint>
 
 #ifndef BOOL
+/// TRUE or FALSE.
 using BOOL = int;
 #endif
+/// The documented names of types; LONG, ULONG, DWORD, HRESULT and SCODE have 32 bits.
 using BYTE = unsigned char;
 using CHAR = char;
 using WORD = unsigned short;
@@ -36,9 +38,11 @@ using OLECHAR = char16_t;
 using BSTR = OLECHAR*;
 
 #ifndef TRUE
+/// The truth value of a BOOL.
 #define TRUE 1
 #endif
 #ifndef FALSE
+/// The other truth value of a BOOL.
 #define FALSE 0
 #endif
 
@@ -50,6 +54,7 @@ constexpr bool FAILED(long hr) noexcept { return hr < 0; }
 /// Makes a result code from its 32 bits.
 constexpr HRESULT make_hresult(std::uint32_t bits) noexcept { return static_cast<HRESULT>(bits); }
 
+/// The documented result codes that occur here.
 inline constexpr HRESULT S_OK = 0;
 inline constexpr HRESULT S_FALSE = 1;
 inline constexpr HRESULT E_NOTIMPL = make_hresult(0x80004001U);

@@ -43,11 +43,13 @@ class SPCBASE_API CString {
       : text_(count > 0 ? static_cast<std::size_t>(count) : 0U, c), assigned_(true) {}
   /// The first `length` bytes of a buffer, zeros included.
   CString(const char* text, int length);
+  /// A copy of the text.
   explicit CString(std::string_view text) : text_(text), assigned_(true) { check_size(); }
   explicit CString(std::string&& text) : text_(std::move(text)), assigned_(true) { check_size(); }
   explicit CString(const std::string& text) : text_(text), assigned_(true) { check_size(); }
   ~CString() = default;
 
+  /// Takes the text.
   CString& operator=(const CString& other) { return assign(other.view()); }
   CString& operator=(CString&& other) noexcept {
     if (this != &other) {
@@ -79,6 +81,7 @@ class SPCBASE_API CString {
 
   /// The length in bytes.
   int GetLength() const noexcept { return static_cast<int>(text_.size()); }
+  /// Whether there are none.
   bool IsEmpty() const noexcept { return text_.empty(); }
   /// Makes the text empty.
   void Empty() noexcept { make_empty(); }
@@ -97,6 +100,7 @@ class SPCBASE_API CString {
   /// The bytes of the text, valid until this changes.
   std::string_view view() const noexcept { return text_; }
 
+  /// Adds a text at the end.
   CString& operator+=(const CString& other) { return append(other.view()); }
   CString& operator+=(const char* text) { return append(text ? std::string_view(text) : std::string_view()); }
   CString& operator+=(char c) {
@@ -183,6 +187,7 @@ class SPCBASE_API CString {
   CString& TrimLeft(const char* set);
   CString& TrimRight(const char* set);
 
+  /// Turns every letter into its capital, or into its small letter.
   CString& MakeUpper();
   CString& MakeLower();
   /// Turns the order of the characters round.
@@ -248,6 +253,7 @@ struct CStringAssignment {
   }
   /// Marks the text as not set and leaves it as it is.
   static void forget(CString& text) noexcept { text.assigned_ = false; }
+  /// Whether the text is set.
   static bool test(const CString& text) noexcept { return text.assigned_; }
 };
 

@@ -78,7 +78,8 @@ class dom_document final : public counted<IXMLDOMDocument2> {
   /// An element with a name that was checked.
   IXMLDOMElementPtr create(std::string_view name);
   std::string narrow_xml() const { return write(top(), head_); }
-  /// The document behind an interface. Fails: E_NOINTERFACE when it is none of this model's.
+  /// The document behind an interface.
+  /// Fails: E_NOINTERFACE when it is none of this model's.
   static dom_document& from(IXMLDOMDocument& document);
 
  private:

@@ -34,6 +34,7 @@ struct IXMLDOMParseError;
 struct IXMLDOMDocument;
 struct IXMLDOMDocument2;
 
+/// The pointers that the interfaces are passed in.
 using IXMLDOMNodePtr = _com_ptr_t<IXMLDOMNode>;
 using IXMLDOMElementPtr = _com_ptr_t<IXMLDOMElement>;
 using IXMLDOMNodeListPtr = _com_ptr_t<IXMLDOMNodeList>;
@@ -61,12 +62,14 @@ inline constexpr HRESULT XML_E_INVALIDATROOTLEVEL = make_hresult(0xC00CE556U);
 
 /// A node of a document: an element, a text, a CDATA section, a comment, a processing instruction or the document.
 struct IXMLDOMNode : IDispatch {
+  /// The kind.
   virtual DOMNodeType GetnodeType() = 0;
   /// The name with its prefix of an element, the target of an instruction, else "#text", "#cdata-section", "#comment"
   /// or "#document".
   virtual _bstr_t GetnodeName() = 0;
   /// The text of a text, CDATA section, comment or instruction; VT_NULL for an element and the document.
   virtual _variant_t GetnodeValue() = 0;
+  /// Whether there are children.
   virtual VARIANT_BOOL hasChildNodes() = 0;
   /// The children from the first on; a list of its own for each call.
   virtual IXMLDOMNodeListPtr GetchildNodes() = 0;
@@ -134,6 +137,7 @@ struct IXMLDOMDocument : IXMLDOMNode {
   /// around it among them, more than 100,000 different names. The document is empty then, and `GetparseError` tells
   /// why. Never fails by what the text holds.
   virtual VARIANT_BOOL loadXML(const _bstr_t& text) = 0;
+  /// What was wrong with the text that was parsed last.
   virtual IXMLDOMParseErrorPtr GetparseError() = 0;
   /// The root, null when there is none.
   virtual IXMLDOMElementPtr GetdocumentElement() = 0;

@@ -45,7 +45,8 @@ RevisionNumber next_revision(CDatabase* database, int object_id, int object_type
 COleDateTime write_new_revision(CDatabase* database, int maximum_blob_size, int object_id, int object_type,
                                 const RevisionNumber& number, const Creation& creation);
 
-/// The id of a row. Fails: RevisionException with reason 4 when there is none.
+/// The id of a row.
+/// Fails: RevisionException with reason 4 when there is none.
 int read_revision_id(CDatabase* database, const RevisionKey& key);
 
 void write_revision_data(CDatabase* database, int maximum_blob_size, int revid, const CLongBinary& payload);
