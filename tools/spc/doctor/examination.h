@@ -72,7 +72,8 @@ class Examination {
   void found(const std::string& table, Subjects subjects);
   void does_not_apply(const std::string& table, const std::string& why);
 
-  /// Read once. Fails: Problem.
+  /// Read once.
+  /// Fails: Problem.
   const SchemaState& schema();
   const std::vector<SettingView>& settings();
   const NumberState& number(const running_number& number);
