@@ -1,10 +1,9 @@
-/// What a command line asks for, and the parts of its grammar.
+/// What a command line asks for.
 ///
 /// Part of the command.
 #pragma once
 
-#include <CLI/CLI.hpp>
-#include <functional>
+#include <cstddef>
 #include <string>
 
 #include "tools/spc/doctor/doctor.h"
@@ -35,28 +34,6 @@ struct Request {
   DoctorRequest doctor;
   PathRequest path;
   TreeRequest tree;
-  std::function<int(const Terminal&)> task;
 };
-
-/// Adds --max-size.
-void add_max_size(CLI::App& command, int& size);
-
-/// Adds `spc numbers`, `spc settings` and `spc payload`. The request must outlive the application.
-void add_data_tasks(CLI::App& app, Request& request);
-
-/// Adds `spc rev`.
-void add_revision_tasks(CLI::App& app, Request& request);
-
-/// Adds `spc range` and `spc schedule`.
-void add_time_tasks(CLI::App& app, Request& request);
-
-/// Adds `spc path` and `spc tree`.
-void add_tree_tasks(CLI::App& app, Request& request);
-
-/// Adds `spc doctor`.
-void add_doctor_tasks(CLI::App& app, Request& request);
-
-/// Adds `spc source`.
-void add_source_tasks(CLI::App& app, Request& request);
 
 }  // namespace spc
