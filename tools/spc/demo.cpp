@@ -13,10 +13,12 @@
 #include "tools/spc/demo_database.h"
 #include "tools/spc/demo_files.h"
 #include "tools/spc/demo_history.h"
+#include "tools/spc/demo_report.h"
 #include "tools/spc/demo_sources.h"
 #include "tools/spc/demo_tree.h"
 #include "tools/spc/embedded_data.h"
 #include "tools/spc/problem.h"
+#include "tools/spc/report/report.h"
 #include "tools/spc/revisions.h"
 #include "tools/spc/sample_view.h"
 #include "tools/spc/schema_work.h"
@@ -52,28 +54,27 @@ class Demo {
       mark_as_demo(link_);
       step.rows = schema::running_numbers().size() + 1;
     });
-    plant::DemoPlant plant;
     take("build the plant", [&](Step& step) {
-      plant = build_plant();
-      step.rows = plant.rows;
+      plant_ = build_plant();
+      step.rows = plant_.rows;
       step.result = "3 stations, 3 users, 3 profiles";
     });
-    for (auto& file : demo_files(plant))
+    for (auto& file : demo_files(plant_))
       take("import " + file.name, [&](Step& step) { enter(std::move(file), step); });
     take("read back and compare", [&](Step& step) { compare_all(step); });
     take("save and approve a profile", [&](Step& step) {
-      history_ = make_history(link_, plant, entered_.front().shape);
+      history_ = make_history(link_, plant_, entered_.front().shape);
       step.rows = 2 * history_.size();
       step.result = counted(history_.size(), "revision") + ", all payloads as they were saved";
     });
     take("find objects by path", [&](Step& step) {
       tree_ = std::make_unique<NodeTree>(link_, 0);
-      found_ = find_by_paths(link_, plant, history_);
+      found_ = find_by_paths(link_, plant_, history_);
       step.rows = found_.size();
       step.result = counted(found_.size(), "path") + ", one to the latest approved revision";
     });
     take("keep data sources", [&](Step& step) {
-      sources_ = make_sources(link_, plant);
+      sources_ = make_sources(link_, plant_);
       step.rows = sources_.size();
       step.result = counted(sources_.size(), "data source") + ", of which anna sees 2 and bo sees 2";
     });
@@ -84,6 +85,7 @@ class Demo {
     });
   }
 
+  const plant::DemoPlant& plant() const { return plant_; }
   const std::vector<Step>& steps() const { return steps_; }
   /// The revisions of the first profile, the latest first.
   const std::vector<rev::RevisionBaseInfo>& history() const { return history_; }
@@ -190,6 +192,7 @@ class Demo {
   Link& link_;
   const Terminal& terminal_;
   std::vector<Step> steps_;
+  plant::DemoPlant plant_;
   std::vector<Entered> entered_;
   std::vector<rev::RevisionBaseInfo> history_;
   std::unique_ptr<NodeTree> tree_;
@@ -204,7 +207,8 @@ std::string milliseconds_text(double milliseconds) {
   return text.str();
 }
 
-void print_for_people(std::ostream& out, Demo& demo, Link& link, const DemoDatabase& database) {
+void print_for_people(std::ostream& out, Demo& demo, Link& link, const DemoDatabase& database,
+                      const std::string& report) {
   out << "A small plant with real measurements, in " << link.db().describe_server().view() << "\n\n";
   Table table("  ");
   table.add_column("step");
@@ -228,7 +232,9 @@ void print_for_people(std::ostream& out, Demo& demo, Link& link, const DemoDatab
   print_seen(out, demo.sources(), "  ");
   out << "\nA definition of version 2\n\n";
   print_renewal(out, demo.renewal(), "  ");
-  out << '\n' << database.farewell() << '\n';
+  out << '\n';
+  if (!report.empty()) out << "The report: " << report << '\n';
+  out << database.farewell() << '\n';
 }
 
 void print_for_machines(std::ostream& out, Demo& demo, Link& link) {
@@ -265,15 +271,17 @@ void print_for_machines(std::ostream& out, Demo& demo, Link& link) {
 }  // namespace
 
 void run_demo(const DemoRequest& request, const Terminal& terminal) {
+  if (!request.report.empty()) report_page::refuse_existing(request.report);
   const DemoDatabase database(request);
   Link link(database.connect_text(), terminal.trace ? &terminal.err : nullptr);
   make_room_for_demo(link);
   Demo demo(link, terminal);
   demo.run();
+  if (!request.report.empty()) write_demo_report(link, demo.plant(), request.report);
   if (terminal.json)
     print_for_machines(terminal.out, demo, link);
   else
-    print_for_people(terminal.out, demo, link, database);
+    print_for_people(terminal.out, demo, link, database, request.report);
 }
 
 }  // namespace spc

@@ -12,8 +12,9 @@ namespace spc {
 
 /// Where the demo works.
 struct DemoRequest {
-  Place place;       ///< a database that is empty or that an earlier demo has filled; nothing: a file
-  std::string keep;  ///< the file to make and keep; empty: a temporary one
+  Place place;              ///< a database that is empty or that an earlier demo has filled; nothing: a file
+  std::string keep;         ///< the file to make and keep; empty: a temporary one
+  std::string report = {};  ///< the page to write; empty: none
 };
 
 /// Builds the plant, saves the 140 samples, reads every one back and compares each cell with the files.

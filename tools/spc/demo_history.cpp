@@ -12,7 +12,6 @@ namespace spc {
 namespace {
 
 // Numbers of the demo's own: the library leaves them to the hosts.
-constexpr int profile_type = 3;
 constexpr int level_checked = 1;
 constexpr int level_released = 2;
 
@@ -81,7 +80,7 @@ class History {
   Link& link_;
   const ProfileShape& shape_;
   // Nothing is kept, so that all that is shown comes from the database.
-  rev::RevisionManager manager_{profile_type, -1};
+  rev::RevisionManager manager_{demo_profile_type, -1};
   std::vector<std::string> saved_;  ///< the payloads, by number of their revision
 };
 

@@ -12,6 +12,9 @@
 
 namespace spc {
 
+/// The type of objects as which the demo saves profiles. The library leaves such numbers to the hosts.
+inline constexpr int demo_profile_type = 3;
+
 /// Saves the profile four times, approves the second save in place and the fourth with a major version, and gives the
 /// history, the latest first. Every payload is read back and compared.
 /// Fails: Problem; a payload that came back different is one.

@@ -4,7 +4,7 @@ set(cases "")
 foreach(path IN LISTS FILES)
   get_filename_component(name "${path}" NAME)
   file(READ "${path}" text)
-  string(APPEND cases "  if (name == \"${name}\")\n    return R\"~csv~(${text})~csv~\";\n")
+  string(APPEND cases "  if (name == \"${name}\")\n    return R\"~text~(${text})~text~\";\n")
 endforeach()
 file(WRITE "${OUTPUT}" "// Made by tools/spc/embed.cmake.
 #include \"tools/spc/embedded_data.h\"

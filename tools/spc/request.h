@@ -23,6 +23,7 @@ struct Request {
   std::size_t list_limit = 20;
   long shown_sample = 0;
   std::string demo_keep;
+  std::string demo_report;
   std::string numbers_table;
   std::string setting;
   PayloadRequest payload;

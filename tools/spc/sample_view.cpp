@@ -57,12 +57,6 @@ std::vector<std::pair<std::string, std::string>> read_auto_labels(Link& link, lo
   return found;
 }
 
-/// The rows worth showing: what is filled, and the pieces that the profile wants. A grid may be longer, since labels of
-/// a sample without pieces count as rows.
-LONG shown_rows(const SampleView& view) {
-  return std::min(view.grid.rows(), std::max(view.grid.filled_rows(), static_cast<LONG>(view.shape.pieces)));
-}
-
 Table table_of(const SampleView& view, const std::string& indent) {
   Table table(indent);
   table.add_column("piece", Align::right);
@@ -89,6 +83,11 @@ void write_cell(JsonWriter& json, const VARIANT& cell) {
 }
 
 }  // namespace
+
+// A grid may be longer, since labels of a sample without pieces count as rows.
+LONG shown_rows(const SampleView& view) {
+  return std::min(view.grid.rows(), std::max(view.grid.filled_rows(), static_cast<LONG>(view.shape.pieces)));
+}
 
 SampleView read_sample(Link& link, long sample) {
   const std::string what = "cannot show sample " + std::to_string(sample);

@@ -28,6 +28,9 @@ struct SampleView {
 /// Fails: Problem; also when there is no such sample.
 SampleView read_sample(Link& link, long sample);
 
+/// The rows worth showing: what is filled, and the pieces that the profile wants.
+LONG shown_rows(const SampleView& view);
+
 /// Prints a line of facts and the grid, each line behind `indent`.
 void print_sample(std::ostream& out, const SampleView& view, const std::string& indent = {});
 void write_sample(JsonWriter& json, const SampleView& view);

@@ -5,17 +5,6 @@
 namespace spc {
 namespace {
 
-/// Told of a tree from the top down. Folders come before the monitors and profiles beside them.
-class Visitor {
- public:
-  virtual ~Visitor() = default;
-  /// `is_last` of what its folder holds; `is_cut` when what it holds is not shown.
-  virtual void begin(const Folder& folder, bool is_last, bool is_cut) = 0;
-  /// After the folders in a folder.
-  virtual void members(std::span<const Member> all) = 0;
-  virtual void end() = 0;
-};
-
 /// A folder on the way from the top to where the visit is.
 struct Level {
   std::span<const Folder> left;  ///< folders in it that are still to be visited
@@ -24,7 +13,8 @@ struct Level {
 
 class Visit {
  public:
-  Visit(const NodeTree& tree, const TreePart& part, Visitor& visitor) : tree_(tree), part_(part), visitor_(visitor) {}
+  Visit(const NodeTree& tree, const TreePart& part, TreeVisitor& visitor)
+      : tree_(tree), part_(part), visitor_(visitor) {}
 
   TreeCounts run() {
     enter(part_.top, true);
@@ -72,12 +62,12 @@ class Visit {
 
   const NodeTree& tree_;
   const TreePart& part_;
-  Visitor& visitor_;
+  TreeVisitor& visitor_;
   std::vector<Level> levels_;
   TreeCounts counts_;
 };
 
-class Printer final : public Visitor {
+class Printer final : public TreeVisitor {
  public:
   explicit Printer(std::ostream& out) : out_(out) {}
 
@@ -113,7 +103,7 @@ class Printer final : public Visitor {
   std::vector<std::size_t> widths_;  ///< of the indent before each folder that is open
 };
 
-class Writer final : public Visitor {
+class Writer final : public TreeVisitor {
  public:
   explicit Writer(JsonWriter& json) : json_(json) {}
 
@@ -150,14 +140,18 @@ class Writer final : public Visitor {
 
 }  // namespace
 
+TreeCounts visit_tree(const NodeTree& tree, const TreePart& part, TreeVisitor& visitor) {
+  return Visit(tree, part, visitor).run();
+}
+
 TreeCounts print_tree(std::ostream& out, const NodeTree& tree, const TreePart& part) {
   Printer printer(out);
-  return Visit(tree, part, printer).run();
+  return visit_tree(tree, part, printer);
 }
 
 TreeCounts write_tree(JsonWriter& json, const NodeTree& tree, const TreePart& part) {
   Writer writer(json);
-  return Visit(tree, part, writer).run();
+  return visit_tree(tree, part, writer);
 }
 
 }  // namespace spc
