@@ -1,5 +1,6 @@
 // Plan, on SQLite and on a private MariaDB server where a database matters
 //   What the demo leaves has no findings
+//   A database without the schema is told of as such
 //   For people: by severity, then table, with meaning and advice; for machines: everything, in JSON
 //   Exit status: 0, also with notes alone; 1 with errors or warnings, and when something could not be looked at; 2
 //   --only, --skip, --limit, --list; names that there are not
@@ -40,6 +41,15 @@ TEST_P(DoctorCommand, finds_nothing_in_what_the_demo_leaves) {
   EXPECT_TRUE(checked.says(": 0 errors, 0 warnings, 0 notes\n")) << checked;
   EXPECT_FALSE(checked.says("Could not run")) << checked;
   EXPECT_EQ(checked.err, "");
+}
+
+TEST_P(DoctorCommand, tells_of_a_database_that_holds_nothing_of_the_schema) {
+  command_test::EmptyDatabase empty(kind());
+  if (kind() == ServerKind::sqlite) empty.execute("SELECT 1");
+  const Answer checked = command_test::run({"--connect", empty.connect_text(), "doctor"});
+  EXPECT_EQ(checked.status, 1);
+  EXPECT_EQ(checked.out, "");
+  EXPECT_TRUE(checked.complains(": the database does not hold the schema\n     spc db create makes it.\n")) << checked;
 }
 
 TEST_P(DoctorCommand, tells_people_by_severity_and_table_what_it_means_and_what_to_do) {
@@ -198,7 +208,7 @@ TEST(DoctorProgress, shows_a_bar_on_a_terminal_and_wipes_it) {
   test_support::SchemaDatabase database(ServerKind::sqlite);
   std::ostringstream out;
   std::ostringstream err;
-  const spc::Terminal terminal{out, err, false, false, true};
+  const spc::Terminal terminal{out, err, false, false, spc::ProgressStyle::bar};
   EXPECT_EQ(spc::run_doctor({"", database.connect_text()}, {}, terminal), 0);
   EXPECT_NE(err.str().find("examining [###"), std::string::npos);
   EXPECT_TRUE(err.str().ends_with("\r\x1b[K"));

@@ -1,7 +1,7 @@
 // Plan, on SQLite and on a private MariaDB server
 //   What is missing from the schema, column by column, and the checks that cannot run then; the others go on
 //   Columns too narrow, columns that refuse null, keys that are missing, and the double rows that these let in
-//   Views that show other rows; texts that the server takes for equal
+//   Views that show other rows; what SQLite itself tells; texts that the server takes for equal
 //   Definitions that cannot be deciphered under their id, and those of a later version
 //   The server's zone and clock against ours
 #include <gtest/gtest.h>
@@ -149,7 +149,7 @@ TEST_P(DoctorOnSchema, names_a_view_that_shows_removed_rows) {
   ASSERT_EQ(found.findings.size(), 1U);
   EXPECT_STREQ(found.findings[0].check->name, "view-shows-other-rows");
   EXPECT_EQ(found.findings[0].table, "CSSTNV");
-  EXPECT_EQ(found.findings[0].subjects.detail, "it shows 1 rows, CSSTN has 0 live ones");
+  EXPECT_EQ(found.findings[0].subjects.detail, "it shows 1 row, CSSTN has 0 live ones");
 }
 
 TEST_P(DoctorOnSchema, names_texts_that_the_server_takes_for_equal) {
@@ -164,6 +164,39 @@ TEST_P(DoctorOnSchema, names_texts_that_the_server_takes_for_equal) {
                                          {"collation-ignores-blanks", "CSVALUE", {"NAME"}},
                                          ignores_case}));
   }
+}
+
+TEST_P(DoctorOnSchema, names_an_entry_whose_flag_is_null) {
+  alter("CSLINP", "MODIFY ALFLG VARCHAR(255) NULL", "ALFLG VARCHAR(255) DEFAULT 'NO' NOT NULL", "ALFLG VARCHAR(255)");
+  execute("INSERT INTO CSPROF (PROFID) VALUES (1)");
+  execute("INSERT INTO CSLABEL (LABELID, LTYPE) VALUES (1, 'PIECE')");
+  execute("INSERT INTO CSLINP (PROFID, LABELID, ALFLG) VALUES (1, 1, NULL)");
+  for (const char* counter : {"CSPFRN", "CSLBRN"})
+    execute("UPDATE " + std::string(counter) + " SET MAXNO = 1");
+  EXPECT_EQ(findings(), (std::vector<Found>{{"auto-flag-missing", "CSLINP", {"1"}}}));
+}
+
+TEST_P(DoctorOnSchema, names_what_the_check_of_an_sqlite_file_tells) {
+  if (on_sqlite()) execute("PRAGMA ignore_check_constraints = ON");
+  const Texts not_for = {"foreign-keys-off", "file-damaged"};
+  const std::string long_name(on_sqlite() ? 300 : 255, 'n');
+  execute("INSERT INTO CSSTN (STNID, NAME) VALUES (1, '" + long_name + "')");
+  const Audit found = audit(not_for);
+  if (on_sqlite()) {
+    ASSERT_EQ(found.findings.size(), 1U);
+    EXPECT_STREQ(found.findings[0].check->name, "file-damaged");
+    EXPECT_EQ(found.findings[0].subjects.detail, "PRAGMA quick_check tells 1 fault");
+  } else {
+    EXPECT_EQ(found.findings.size(), 0U);
+    EXPECT_EQ(found.not_run.size(), not_for.size());
+  }
+}
+
+TEST_P(DoctorOnSchema, names_a_connection_that_keeps_no_foreign_keys) {
+  spc::Link link(database().connect_text(), nullptr);
+  EXPECT_EQ(doctor_test::audit_of(link, {"foreign-keys-off"}).findings.size(), 0U);
+  if (on_sqlite()) link.db().ExecuteSQL("PRAGMA foreign_keys = OFF");
+  EXPECT_EQ(doctor_test::audit_of(link, {"foreign-keys-off"}).findings.size(), on_sqlite() ? 1U : 0U);
 }
 
 TEST_P(DoctorOnSchema, names_a_definition_that_was_enciphered_under_another_id) {

@@ -1,4 +1,5 @@
 // What is wrong with the tables, views and columns themselves.
+#include <cstdlib>
 #include <list>
 
 #include "schema/description.h"
@@ -6,6 +7,7 @@
 #include "tools/spc/doctor/check.h"
 #include "tools/spc/doctor/examination.h"
 #include "tools/spc/doctor/unique_keys.h"
+#include "tools/spc/terminal.h"
 
 namespace spc::doctor {
 namespace {
@@ -146,7 +148,7 @@ void look_at_views(Examination& examination) {
                                {},
                                false,
                                std::labs(shown - live),
-                               "it shows " + std::to_string(shown) + " rows, " + table + " has " +
+                               "it shows " + counted(static_cast<std::size_t>(shown), "row") + ", " + table + " has " +
                                    std::to_string(live) + " live ones"});
     });
   }
@@ -161,7 +163,8 @@ std::vector<Check> schema_checks() {
       {"table-missing",
        Severity::error,
        "A table of the schema is missing, or this login may not read it.",
-       "Create it as docs/formats describes the schema, or grant the right; spc db check names all that is missing.",
+       "Create it as spc db create makes it in an empty database, or grant the right; spc db check names all that is "
+       "missing.",
        {},
        look_for_missing_tables,
        every_table},

@@ -8,6 +8,7 @@
 #include "tools/spc/doctor/check.h"
 #include "tools/spc/doctor/examination.h"
 #include "tools/spc/problem.h"
+#include "tools/spc/terminal.h"
 
 namespace spc::doctor {
 namespace {
@@ -58,17 +59,21 @@ void look_for_another_dialect(Examination& examination) {
 }
 
 /// Texts whose equality matters: keys of settings, and values that a list learns.
-constexpr std::array<std::pair<const char*, const char*>, 2> compared_texts = {
-    {{"CSINI", "KYWORD"}, {"CSVALUE", "NAME"}}};
+struct ComparedText {
+  const char* table;
+  const char* column;
+};
+constexpr std::array<ComparedText, 2> compared_texts = {{{"CSINI", "KYWORD"}, {"CSVALUE", "NAME"}}};
 
 /// Whether a server takes two texts for equal as values of a column; no row of it is needed. The one row that the
 /// question does need is a counter's.
 void look_at_comparison(Examination& examination, const std::string& text, const std::string& other) {
   const long rows = examination.count("[CSSPRN]", "");
   if (rows == 0) throw Problem{"", "CSSPRN has no row, which the question needs", ""};
-  for (const auto& [table, column] : compared_texts) {
+  for (const auto& compared : compared_texts) {
+    const std::string table = compared.table;
+    const std::string name = compared.column;
     examination.attempt(table, [&] {
-      const std::string name = column;
       const std::string probe = "(SELECT [" + name + "] AS PROBE FROM [" + table + "] WHERE [" + name +
                                 "] IS NULL UNION ALL SELECT '" + text + "' FROM [CSSPRN]) D";
       if (examination.count(probe, "D.PROBE = '" + other + "'") == 0) return;
@@ -147,7 +152,8 @@ void look_at_foreign_keys(Examination& examination) {
 void look_at_file(Examination& examination) {
   if (!is_sqlite(examination)) return;
   const long faults = examination.count("[pragma_quick_check]", "[quick_check] <> 'ok'");
-  if (faults > 0) server_finding(examination, "PRAGMA quick_check tells " + std::to_string(faults) + " faults");
+  if (faults > 0)
+    server_finding(examination, "PRAGMA quick_check tells " + counted(static_cast<std::size_t>(faults), "fault"));
 }
 
 constexpr const char* every_server = "";
@@ -228,8 +234,8 @@ std::vector<Check> server_checks() {
        every_server},
       {"file-damaged",
        Severity::error,
-       "The SQLite file itself is damaged: rows or keys are lost.",
-       "Restore it from a backup; sqlite3 FILE .recover saves what can be read.",
+       "SQLite's own check of the file tells of damage: torn pages, or values that the rules of their table refuse.",
+       "PRAGMA quick_check tells which; restore the file from a backup, or correct the values.",
        {},
        look_at_file,
        every_server},

@@ -123,7 +123,7 @@ std::vector<Check> stored_checks() {
       {"definition-without-time",
        Severity::warning,
        "The data source's MTIME is null: programs that hold it cannot see whether it was changed.",
-       "Save it again: spc source edit ID with what it has already, or spc source rewrite for all.",
+       "Save it again: spc source rewrite does so for all of them.",
        {{"CSEXDB", "EXDBID", "[VFLG] IS NULL AND [MTIME] IS NULL"}}},
   };
 }

@@ -1,4 +1,6 @@
 // What is wrong in the tree of folders, with what they hold, and with who may see it.
+#include <set>
+
 #include "tools/spc/doctor/check.h"
 #include "tools/spc/doctor/examination.h"
 #include "tools/spc/node_tree.h"
@@ -9,11 +11,14 @@ namespace {
 void look_for_circles(Examination& examination) {
   Subjects folders{"NODEID", {}};
   const NodeTree tree(examination.link());
+  std::set<int> ids;
   for (const Unreachable& thing : tree.unreachable()) {
     if (!thing.in_circle) continue;
-    if (folders.detail.empty()) folders.detail = thing.why;
-    add(folders, std::to_string(thing.id), examination.limit());
+    if (ids.empty()) folders.detail = thing.why;
+    ids.insert(thing.id);
   }
+  for (const int id : ids)
+    add(folders, std::to_string(id), examination.limit());
   examination.found("CSNODE", std::move(folders));
 }
 

@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "tools/spc/doctor/examination.h"
+#include "tools/spc/interruption.h"
 #include "tools/spc/problem.h"
 
 namespace spc {
@@ -38,6 +39,17 @@ Audit examine(Link& link, const std::vector<const Check*>& checks, std::size_t l
 
 }  // namespace doctor
 
+namespace {
+
+/// A database without any of it is not a sick one.
+void require_schema(Link& link) {
+  if (link.db().check_connection(0) || !inspect_schema(link).present.empty()) return;
+  throw Problem{"cannot examine " + link.shown_connect_text(), "the database does not hold the schema",
+                "spc db create makes it."};
+}
+
+}  // namespace
+
 int run_doctor(const Place& place, const DoctorRequest& request, const Terminal& terminal) {
   const auto checks = doctor::chosen_checks(request);
   if (request.list) {
@@ -45,13 +57,17 @@ int run_doctor(const Place& place, const DoctorRequest& request, const Terminal&
     return exit_done;
   }
   Link link(connect_text_of(place, false), trace_of(terminal));
+  require_schema(link);
   std::size_t steps = 0;
   for (const auto* check : checks)
     steps += doctor::Examination::steps_of(*check);
   doctor::Audit audit;
   {
     Progress progress(terminal, "examining", steps);
-    audit = doctor::examine(link, checks, static_cast<std::size_t>(request.limit), [&] { progress.step(); });
+    audit = doctor::examine(link, checks, static_cast<std::size_t>(request.limit), [&] {
+      stop_if_interrupted("nothing was changed, and the audit is not finished");
+      progress.step();
+    });
   }
   terminal.json ? doctor::write_audit(terminal.out, link.shown_connect_text(), audit)
                 : doctor::print_audit(terminal.out, link.shown_connect_text(), audit);

@@ -38,17 +38,17 @@ void Examination::make(const Check& check, const std::function<void()>& on_step)
 
 void Examination::attempt(const std::string& table, const std::function<void()>& work) {
   std::optional<Problem> problem;
-  bool lost = false;
   try {
     const auto outcome = guarded(work);
     if (!outcome) {
       problem = problem_of("cannot go on with the audit", outcome.failure());
-      lost = outcome.failure().failure_class == FailureClass::link_lost;
+      lost_ = lost_ || outcome.failure().failure_class == FailureClass::link_lost;
     }
   } catch (const Problem& caught) {
     problem = caught;
   }
-  if (lost) throw Problem(*problem);
+  // Also through the look that this one is a part of.
+  if (problem && lost_) throw Problem(*problem);
   if (problem) audit_.not_run.push_back({check_, table, problem->why, true});
 }
 

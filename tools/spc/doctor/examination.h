@@ -88,6 +88,7 @@ class Examination {
   std::size_t limit_;
   Audit& audit_;
   const Check* check_ = nullptr;
+  bool lost_ = false;  ///< the connection
   std::optional<SchemaState> schema_;
   std::optional<std::vector<SettingView>> settings_;
   std::map<std::string, NumberState> numbers_;  ///< by counter

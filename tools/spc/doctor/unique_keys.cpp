@@ -106,12 +106,13 @@ void look_at_table(Examination& examination, const schema::Table& table, const U
   for (const auto& key : table.unique_keys)
     wanted.emplace_back(key.name, key.columns);
   const auto found = indexes.find(std::string(table.name));
-  for (const auto& [name, columns] : wanted) {
+  for (const auto& key : wanted) {
     const bool there = found != indexes.end() && std::ranges::any_of(found->second, [&](const auto& index) {
-                         return keeps_apart(index.second, table, columns);
+                         return keeps_apart(index.second, table, key.second);
                        });
     if (!there)
-      examination.found(std::string(table.name), {"key", {name}, false, 1, name + " over " + joined(columns)});
+      examination.found(std::string(table.name),
+                        {"key", {key.first}, false, 1, key.first + " over " + joined(key.second)});
   }
 }
 
