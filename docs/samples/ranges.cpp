@@ -3,6 +3,7 @@
 
 #include "spcbase/foundation/messages.h"
 #include "spcbase/time/calculation.h"
+#include "spcbase/time/range.h"
 #include "spcbase/time/unit_words.h"
 
 namespace {
@@ -37,10 +38,20 @@ void print_unit() {
   std::printf("%s\n", GetQuarterStr().GetString());
 }
 
+void print_range() {
+  DateTimeRange range;
+  if (!range.parse("last 5 day")) return;
+  range.Recalculate(DateTimeCalculation(2));
+  const CString stored = range.to_string();
+  const CString shown = range.get_display_string("Created");
+  std::printf("%s: %s\n", stored.GetString(), shown.GetString());
+}
+
 }  // namespace
 
 int main() {
   print_offsets();
   print_this_week();
   print_unit();
+  print_range();
 }
