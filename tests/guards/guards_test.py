@@ -2,6 +2,8 @@
 
 Plan
   layers: a wrong direction, a private folder, a header from outside, an unknown header, an unknown folder, a missing one
+  platform page: a name that it has, one that it has not, of each kind of declaration
+  reference: what the house style becomes
   texts:  words, paths, unfinished marks, sleeping tests, long files, dialect words, raw codes, labels, the version
 """
 import os
@@ -182,6 +184,71 @@ class Texts(Guard):
     def test_a_missing_change_log_is_found(self):
         os.remove(os.path.join(self.root, "CHANGELOG.md"))
         self.expect_find(self.guard, "there is no change log")
+
+
+class PlatformPage(Guard):
+    guard = os.path.join(HERE, "check_platform_page")
+
+    def setUp(self):
+        super().setUp()
+        os.makedirs(os.path.join(self.root, "docs", "reference"))
+        shutil.copy(os.path.join(ROOT, "docs", "reference", "build_reference"),
+                    os.path.join(self.root, "docs", "reference"))
+        self.plant("spcbase/spcbase.h", '#include "spcbase/platform/text/a.h"\n')
+        self.known = [f"Known{number}" for number in range(100)]
+        self.declare("")
+        self.plant("docs/platform.md", " ".join(f"`{name}`" for name in self.known))
+
+    def declare(self, more):
+        self.plant("spcbase/platform/text/a.h", "".join(f"struct {name} {{ int b(); }};\n" for name in self.known) + more)
+
+    def test_a_page_with_every_name_passes(self):
+        self.expect_clean(self.guard)
+
+    def test_each_kind_of_name_that_the_page_has_not_is_found(self):
+        for more in ("class SPCBASE_API New : public Old {};", "using New = int;", "SPCBASE_API int New(int a) noexcept;",
+                     "inline int New(int a) { return Inner(a); }"):
+            self.declare(more + "\n")
+            self.expect_find(self.guard, "spcbase/platform/text/a.h: New does not stand in docs/platform.md")
+
+    def test_what_stands_inside_of_brackets_or_comments_is_no_name(self):
+        self.declare("struct Known1 { void inner(); };\n// int said(int a);\n")
+        self.expect_clean(self.guard)
+
+
+class HouseStyle(Guard):
+    filter = os.path.join(ROOT, "docs", "reference", "house_style")
+
+    def filtered(self, text):
+        self.plant("a.h", text)
+        done = subprocess.run([sys.executable, self.filter, os.path.join(self.root, "a.h")], capture_output=True,
+                              text=True, check=True)
+        self.assertEqual(done.stdout.count("\n"), text.count("\n"))
+        return done.stdout
+
+    def test_the_first_block_describes_the_file(self):
+        self.assertTrue(self.filtered("/// Texts.\n#pragma once\n").startswith("/// \\file_comment  Texts.\n"))
+
+    def test_a_label_becomes_a_heading(self):
+        self.assertIn("\n/// \\label{Fails} never.\n", self.filtered("/// A file.\n\n/// Does it.\n/// Fails:  never.\nint a();\n"))
+
+    def test_each_declaration_of_a_run_gets_its_comment(self):
+        said = self.filtered("/// A file.\n\n/// Both.\nint a();\nint b();\n\nint c();\n")
+        self.assertIn("/*! Both. */ int b();", said)
+        self.assertIn("\n\nint c();", said)
+
+    def test_what_is_deleted_says_so_itself(self):
+        said = self.filtered("/// A file.\n\n/// A.\nstruct A {\n  /// Makes it.\n  A();\n  A(const A&) = delete;\n};\n")
+        self.assertIn("/*! Not offered. */   A(const A&) = delete;", said)
+
+    def test_a_comment_behind_a_member_serves_those_below_it(self):
+        said = self.filtered("/// A file.\n\n/// A.\nstruct A {\n  int a;  ///< numbers\n  int b;\n\n  int c;\n};\n")
+        self.assertIn("/*! numbers */   int b;", said)
+        self.assertIn("\n\n  int c;", said)
+
+    def test_signs_that_the_reference_obeys_are_text_outside_of_code(self):
+        said = self.filtered("/// A file.\n\n/// From <a> to `<b>`, 5 % #1.\nint a();\n")
+        self.assertIn("From \\<a\\> to `<b>`, 5 \\% \\#1.", said)
 
 
 class ExportedSymbols(unittest.TestCase):
