@@ -108,6 +108,7 @@ GivenStatement RecordsetCore::given() const { return {statement_.view(), host_pa
 void RecordsetCore::run() {
   StatementWatch watch(*recordset_.m_pDatabase);
   try {
+    refuse_when_stopping(*recordset_.m_pDatabase, given());
     acquire(shape_statement());
     bind_columns();
     gather_parameters();

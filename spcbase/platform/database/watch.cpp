@@ -76,6 +76,14 @@ std::string parameters_for_people(const GivenStatement& given) {
   return out;
 }
 
+void refuse_when_stopping(CDatabase& database, const GivenStatement& given) {
+  const auto* connection = database.connection();
+  if (connection == nullptr || connection->wants_to_stop == nullptr) [[likely]]
+    return;
+  if (given.text == "BEGIN" || given.text == "COMMIT" || given.text == "ROLLBACK") return;
+  if (connection->wants_to_stop()) raise(AFX_SQL_ERROR, "HY008", "The program is to stop.");
+}
+
 void StatementWatch::failed(const GivenStatement& given, CDBException& failure) {
   stop();
   if (failure.m_strStatement.IsEmpty()) failure.m_strStatement = CString(mask_password_literals(given.text));

@@ -24,6 +24,9 @@ struct GivenStatement {
 /// Writes the values of a statement's `?` for people; those of password columns are masked.
 std::string parameters_for_people(const GivenStatement& given);
 
+/// Fails: CDBException* (HY008) when the connection is to stop; never for BEGIN, COMMIT and ROLLBACK.
+void refuse_when_stopping(CDatabase& database, const GivenStatement& given);
+
 /// Watches one statement. The clock runs only while somebody observes.
 class StatementWatch {
  public:
@@ -64,6 +67,7 @@ template <class Run>
 std::int64_t watched(CDatabase& database, const GivenStatement& given, Run&& run) {
   StatementWatch watch(database);
   try {
+    refuse_when_stopping(database, given);
     const std::int64_t rows = run();
     watch.done(given, rows);
     return rows;

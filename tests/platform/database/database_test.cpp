@@ -4,6 +4,7 @@
 //   ExecuteSQL: as it is, rows nobody wants, failures with their statement
 //   kept statements: one preparation for conditions of one shape
 //   the observer: everything that leaves, in order
+//   a connection that is to stop: no statement leaves but the end of the transaction
 #include "spcbase/platform/database/database.h"
 
 #include <gtest/gtest.h>
@@ -243,6 +244,26 @@ TEST_P(CDatabaseTest, more_shapes_than_are_kept_push_the_oldest_out) {
       filter += " OR ID=2";
     EXPECT_EQ(Things(&db).count(filter.c_str()), 0);
   }
+}
+
+TEST_P(CDatabaseTest, a_connection_that_is_to_stop_sends_nothing_but_the_end_of_the_transaction) {
+  create_things();
+  db.BeginTrans();
+  db.ExecuteSQL("INSERT INTO THINGS (ID) VALUES (1)");
+  db.connection()->wants_to_stop = []() noexcept { return true; };
+  for (const auto& failure : {caught([&] { db.ExecuteSQL("INSERT INTO THINGS (ID) VALUES (2)"); }),
+                              caught([&] { Things(&db).count("ID=1"); })}) {
+    EXPECT_TRUE(failure.state.starts_with("State:HY008,")) << failure.state;
+    EXPECT_EQ(failure.text, "The program is to stop.");
+  }
+  EXPECT_TRUE(db.Rollback());
+  db.connection()->wants_to_stop = nullptr;
+  EXPECT_EQ(Things(&db).count("ID=1"), 0);
+  db.connection()->wants_to_stop = []() noexcept { return false; };
+  EXPECT_EQ(Things(&db).count("ID=1"), 0) << "it does not want to stop yet";
+  db.connection()->wants_to_stop = []() noexcept { return true; };
+  EXPECT_TRUE(db.BeginTrans());
+  EXPECT_TRUE(db.CommitTrans());
 }
 
 TEST_P(CDatabaseTest, the_observer_sees_everything_that_leaves_in_order) {
