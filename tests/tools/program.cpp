@@ -1,9 +1,11 @@
 #include "tests/tools/program.h"
 
 #include <fcntl.h>
+#include <gtest/gtest.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <array>
 #include <cstdlib>
 #include <fstream>
@@ -11,6 +13,9 @@
 #include <stdexcept>
 
 #include "spcbase/foundation/connection.h"
+#include "tests/tools/schema_check.h"
+#include "tools/spc/grammar.h"
+#include "tools/spc/pages.h"
 #include "tools/spc/problem.h"
 
 namespace command_test {
@@ -52,6 +57,38 @@ std::vector<std::string> environment() {
   return made;
 }
 
+std::set<std::string> checked_commands;
+
+/// The command whose JSON a command line asks for, or null.
+const spc::Command* json_command(const std::vector<std::string>& arguments) {
+  if (std::ranges::find(arguments, "--json") == arguments.end()) return nullptr;
+  std::vector<const char*> argv = {"spc"};
+  for (const auto& argument : arguments)
+    argv.push_back(argument.c_str());
+  try {
+    const spc::Reading reading = spc::read_arguments(static_cast<int>(argv.size()), argv.data());
+    if (reading.wish != spc::Reading::Wish::task || !reading.request.json || reading.request.source.xml) return nullptr;
+    return reading.command;
+  } catch (const spc::Problem&) {
+    return nullptr;
+  }
+}
+
+/// Whoever fails before the answer prints nothing at all.
+void hold_against_schema(const std::vector<std::string>& arguments, const Answer& answer) {
+  const spc::Command* command = json_command(arguments);
+  if (command == nullptr || (answer.out.empty() && answer.status != 0)) return;
+  const std::string name(command->path);
+  ASSERT_NE(command->json, nullptr) << name << " has no shape of its JSON\n" << answer;
+  try {
+    const auto schema = json_check::parse(spc::schema_of(*command));
+    EXPECT_EQ(schema_check::fault_in(json_check::parse(answer.out), schema), "") << name << '\n' << answer;
+    checked_commands.insert(name);
+  } catch (const std::runtime_error& error) {
+    ADD_FAILURE() << name << ": " << error.what() << '\n' << answer;
+  }
+}
+
 Answer run_with(std::vector<std::string> variables, const std::vector<std::string>& arguments,
                 const std::function<void(const std::string&)>& on_error_line,
                 const std::function<void()>& prepare = {}) {
@@ -80,6 +117,7 @@ Answer run_with(std::vector<std::string> variables, const std::vector<std::strin
   if (process < 0 || ::waitpid(process, &status, 0) != process) throw std::runtime_error("the command did not start");
   if (WIFEXITED(status)) answer.status = WEXITSTATUS(status);
   answer.out = content_of(folder.file("out"));
+  hold_against_schema(arguments, answer);
   return answer;
 }
 
@@ -90,6 +128,8 @@ std::ostream& operator<<(std::ostream& out, const Answer& answer) {
              << answer.out << "--- standard error\n"
              << answer.err << "---";
 }
+
+const std::set<std::string>& commands_with_checked_json() { return checked_commands; }
 
 Answer run(const std::vector<std::string>& arguments, const std::string& home,
            const std::function<void(const std::string&)>& on_error_line) {

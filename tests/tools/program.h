@@ -3,6 +3,7 @@
 
 #include <functional>
 #include <memory>
+#include <set>
 #include <string>
 #include <vector>
 
@@ -25,11 +26,15 @@ struct Answer {
 /// Everything, for the message of a failed expectation.
 std::ostream& operator<<(std::ostream& out, const Answer& answer);
 
-/// Runs `spc` in a process of its own. Its environment holds nothing but PATH, and `home` as HOME when it is not empty.
+/// Runs `spc` in a process of its own. What it answers to --json is held against the schema of the command: a test
+/// fails that gets something else. Its environment holds nothing but PATH, and `home` as HOME when it is not empty.
 /// `on_error_line` sees each line of standard error as it comes, while the command goes on.
 /// Fails: std::runtime_error when it cannot be started.
 Answer run(const std::vector<std::string>& arguments, const std::string& home = {},
            const std::function<void(const std::string&)>& on_error_line = {});
+
+/// The commands whose JSON was held against their schemas in this process.
+const std::set<std::string>& commands_with_checked_json();
 
 /// Runs `spc` in a time zone; `more` are further variables of its environment, "LC_TIME=de_DE".
 Answer run_in_zone(const std::string& zone, const std::vector<std::string>& arguments,

@@ -1,5 +1,6 @@
 #include "tools/spc/command.h"
 
+#include "tools/spc/completion.h"
 #include "tools/spc/grammar.h"
 #include "tools/spc/help.h"
 #include "tools/spc/problem.h"
@@ -7,6 +8,8 @@
 namespace spc {
 
 int run(int argc, const char* const* argv, std::ostream& out, std::ostream& err, bool bars) {
+  // Asked by the shells' scripts, with words that the grammar need not understand.
+  if (argc > 1 && std::string_view(argv[1]) == "complete") return complete({argv + 2, argv + argc}, out);
   try {
     const Reading reading = read_arguments(argc, argv);
     switch (reading.wish) {
