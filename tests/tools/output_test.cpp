@@ -3,10 +3,11 @@
 //     last bit; no number is null; empty and nested brackets
 //   Text: UTF-8 found valid and invalid, display widths, control characters, trimming
 //   Tables: columns aligned by display width, no blanks at line ends, a line break in a cell stays on the line
-//   Progress: nothing but on a terminal; wiped at its end
+//   Progress: the style that fits; nothing, a bar that is wiped, lines at each tenth, objects at each hundredth
 //   Problems: the three lines; what the library throws becomes one
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cmath>
 #include <limits>
 #include <sstream>
@@ -110,18 +111,58 @@ TEST(Progress, draws_on_a_terminal_alone_and_wipes_itself) {
   std::ostringstream out;
   std::ostringstream err;
   {
-    spc::Progress quiet({out, err, false, false, false}, "work", 2);
+    spc::Progress quiet({out, err}, "work", 2);
     quiet.step();
   }
   EXPECT_EQ(err.str(), "");
   {
-    spc::Progress shown({out, err, false, false, true}, "work", 2);
+    spc::Progress shown({out, err, false, false, spc::ProgressStyle::bar}, "work", 2);
     shown.step();
     shown.step();
   }
   EXPECT_NE(err.str().find("work [##############################] 2/2"), std::string::npos) << err.str();
   EXPECT_TRUE(err.str().ends_with("\r\x1b[K"));
   EXPECT_EQ(out.str(), "");
+}
+
+std::string told_by(spc::ProgressStyle style, std::size_t steps) {
+  std::ostringstream out;
+  std::ostringstream err;
+  spc::Progress progress({out, err, false, false, style}, "work", steps);
+  for (std::size_t i = 0; i < steps; ++i)
+    progress.step();
+  return err.str();
+}
+
+TEST(Progress, tells_in_lines_at_each_tenth) {
+  EXPECT_EQ(told_by(spc::ProgressStyle::line, 2), "work: 0 of 2\nwork: 1 of 2\nwork: 2 of 2\n");
+  const std::string many = told_by(spc::ProgressStyle::line, 1000);
+  EXPECT_EQ(std::ranges::count(many, '\n'), 11);
+  EXPECT_NE(many.find("work: 300 of 1000\n"), std::string::npos) << many;
+  EXPECT_EQ(told_by(spc::ProgressStyle::line, 0), "");
+}
+
+TEST(Progress, tells_in_objects_at_each_hundredth) {
+  const std::string many = told_by(spc::ProgressStyle::json, 1000);
+  EXPECT_EQ(std::ranges::count(many, '\n'), 101);
+  const auto last = json_check::parse(many.substr(many.rfind('\n', many.size() - 2) + 1));
+  EXPECT_EQ(last["task"].text, "work");
+  EXPECT_EQ(last["done"].number, 1000);
+  EXPECT_EQ(last["total"].number, 1000);
+}
+
+TEST(Progress, has_the_style_that_fits) {
+  using Style = spc::ProgressStyle;
+  EXPECT_EQ(spc::progress_style("", true, false, false), Style::bar);
+  EXPECT_EQ(spc::progress_style("", false, false, false), Style::none);
+  EXPECT_EQ(spc::progress_style("", true, true, false), Style::none) << "for machines";
+  EXPECT_EQ(spc::progress_style("", true, false, true), Style::none) << "a trace";
+  EXPECT_EQ(spc::progress_style("bar", true, true, false), Style::bar) << "asked for";
+  EXPECT_EQ(spc::progress_style("bar", false, false, false), Style::line) << "no terminal";
+  EXPECT_EQ(spc::progress_style("bar", true, false, true), Style::line) << "a trace would tear it";
+  EXPECT_EQ(spc::progress_style("line", true, false, false), Style::line);
+  EXPECT_EQ(spc::progress_style("json", false, true, false), Style::json);
+  EXPECT_EQ(spc::progress_style("none", true, false, false), Style::none);
 }
 
 TEST(Report, tells_what_failed_why_what_stands_and_what_to_do) {

@@ -7,10 +7,13 @@
 
 #include <algorithm>
 #include <array>
+#include <chrono>
+#include <csignal>
 #include <cstdlib>
 #include <fstream>
 #include <iterator>
 #include <stdexcept>
+#include <thread>
 
 #include "spcbase/foundation/connection.h"
 #include "tests/tools/schema_check.h"
@@ -26,15 +29,18 @@ std::string content_of(const std::string& file) {
   return {std::istreambuf_iterator<char>(stream), std::istreambuf_iterator<char>()};
 }
 
+/// Is told of each line of standard error, and of the process that wrote it.
+using OnLine = std::function<void(const std::string&, pid_t)>;
+
 /// Reads to the end, and hands each line on as it comes.
-std::string read_lines(int from, const std::function<void(const std::string&)>& on_line) {
+std::string read_lines(int from, pid_t process, const OnLine& on_line) {
   std::string all;
   std::size_t line_begin = 0;
   std::array<char, 4096> buffer{};
   for (ssize_t count = 0; (count = ::read(from, buffer.data(), buffer.size())) > 0;) {
     all.append(buffer.data(), static_cast<std::size_t>(count));
     for (auto end = all.find('\n', line_begin); end != std::string::npos; end = all.find('\n', line_begin)) {
-      if (on_line) on_line(all.substr(line_begin, end - line_begin));
+      if (on_line) on_line(all.substr(line_begin, end - line_begin), process);
       line_begin = end + 1;
     }
   }
@@ -90,8 +96,7 @@ void hold_against_schema(const std::vector<std::string>& arguments, const Answer
 }
 
 Answer run_with(std::vector<std::string> variables, const std::vector<std::string>& arguments,
-                const std::function<void(const std::string&)>& on_error_line,
-                const std::function<void()>& prepare = {}) {
+                const OnLine& on_error_line, const std::function<void()>& prepare = {}) {
   const test_support::ScratchFolder folder;
   std::vector<std::string> texts = {SPC_PROGRAM};
   texts.insert(texts.end(), arguments.begin(), arguments.end());
@@ -111,7 +116,7 @@ Answer run_with(std::vector<std::string> variables, const std::vector<std::strin
   ::close(out);
   ::close(ends[1]);
   Answer answer;
-  answer.err = read_lines(ends[0], on_error_line);
+  answer.err = read_lines(ends[0], process, on_error_line);
   ::close(ends[0]);
   int status = 0;
   if (process < 0 || ::waitpid(process, &status, 0) != process) throw std::runtime_error("the command did not start");
@@ -135,7 +140,8 @@ Answer run(const std::vector<std::string>& arguments, const std::string& home,
            const std::function<void(const std::string&)>& on_error_line) {
   std::vector<std::string> variables = environment();
   if (!home.empty()) variables.push_back("HOME=" + home);
-  return run_with(std::move(variables), arguments, on_error_line);
+  if (!on_error_line) return run_with(std::move(variables), arguments, {});
+  return run_with(std::move(variables), arguments, [&](const std::string& line, pid_t) { on_error_line(line); });
 }
 
 Answer run_in_zone(const std::string& zone, const std::vector<std::string>& arguments,
@@ -157,6 +163,26 @@ Answer run_with_line(const std::vector<std::string>& arguments, const std::strin
     ::dup2(::open("/dev/null", O_RDONLY | O_CLOEXEC), STDIN_FILENO);
     ::dup2(::open(folder.file("line").c_str(), O_RDONLY | O_CLOEXEC), 3);
   });
+}
+
+Answer run_and_signal(const std::vector<std::string>& arguments, const std::string& mark,
+                      const std::vector<int>& numbers) {
+  bool sent = false;
+  const auto send = [&](const std::string& line, pid_t process) {
+    if (sent || line.find(mark) == std::string::npos) return;
+    sent = true;
+    for (const int number : numbers) {
+      ::kill(process, number);
+      if (numbers.size() > 1) std::this_thread::sleep_for(std::chrono::milliseconds(100));
+    }
+  };
+  // Whoever starts the tests behind a shell's back may have them ignore Ctrl-C.
+  const auto answer = run_with(environment(), arguments, send, [] {
+    ::signal(SIGINT, SIG_DFL);
+    ::signal(SIGTERM, SIG_DFL);
+  });
+  EXPECT_TRUE(sent) << "no line holds " << mark << '\n' << answer;
+  return answer;
 }
 
 EmptyDatabase::EmptyDatabase(test_support::ServerKind kind) {

@@ -77,7 +77,7 @@ TEST_P(RevisionMaintenance, rebuild_shows_a_bar_on_a_terminal) {
   std::ostringstream out;
   std::ostringstream err;
   spc::Link link(database().connect_text(), nullptr);
-  spc::rebuild_versions(link, {out, err, false, false, true});
+  spc::rebuild_versions(link, {out, err, false, false, spc::ProgressStyle::bar});
   // The first row has its version already, so it is not written.
   EXPECT_NE(err.str().find("counting versions [" + std::string(20, '#') + std::string(10, ' ') + "] 2/3"),
             std::string::npos)
@@ -163,7 +163,7 @@ TEST_P(RevisionReset, throws_all_revisions_away_and_keeps_the_foreign_key) {
 TEST_P(RevisionReset, shows_a_bar_on_a_terminal) {
   std::ostringstream out;
   std::ostringstream err;
-  spc::reset_revisions(link_, {out, err, false, false, true});
+  spc::reset_revisions(link_, {out, err, false, false, spc::ProgressStyle::bar});
   EXPECT_NE(err.str().find("resetting [" + std::string(30, '#') + "] 17/17"), std::string::npos) << err.str();
 }
 

@@ -3,11 +3,21 @@
 #include "tools/spc/completion.h"
 #include "tools/spc/grammar.h"
 #include "tools/spc/help.h"
+#include "tools/spc/interruption.h"
 #include "tools/spc/problem.h"
 
 namespace spc {
+namespace {
 
-int run(int argc, const char* const* argv, std::ostream& out, std::ostream& err, bool bars) {
+/// What was going on is of no interest then, but what stands is.
+Problem as_interruption(const Problem& problem) {
+  if (problem.what == interruption({}).what) return problem;
+  return interruption(problem.note.empty() ? "nothing was changed" : problem.note);
+}
+
+}  // namespace
+
+int run(int argc, const char* const* argv, std::ostream& out, std::ostream& err, bool is_terminal) {
   // Asked by the shells' scripts, with words that the grammar need not understand.
   if (argc > 1 && std::string_view(argv[1]) == "complete") return complete({argv + 2, argv + argc}, out);
   try {
@@ -23,12 +33,14 @@ int run(int argc, const char* const* argv, std::ostream& out, std::ostream& err,
         break;
     }
     const Request& request = reading.request;
-    const Terminal terminal{out, err, request.json, request.trace, bars};
+    const Terminal terminal{out, err, request.json, request.trace,
+                            progress_style(request.progress, is_terminal, request.json, request.trace)};
     return doing("the command failed", [&] { return reading.command->task(request, terminal); });
   } catch (const Problem& problem) {
     out.flush();
-    report(err, problem);
-    return problem.status;
+    const Problem told = is_interruption(problem) ? as_interruption(problem) : problem;
+    report(err, told);
+    return told.status;
   }
 }
 

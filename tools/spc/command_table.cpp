@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <iterator>
 
+#include "tools/spc/interruption.h"
 #include "tools/spc/problem.h"
 
 namespace spc {
@@ -44,6 +45,13 @@ const std::vector<Option>& global_options() {
       {.name = "--trace",
        .help = "Show every statement, its rows and its time on standard error",
        .target = at<&Request::trace>},
+      {.name = "--progress",
+       .value = "bar|line|json|none",
+       .help = "How long work tells how far it is, on standard error; a bar on a terminal and nothing elsewhere when "
+               "not given; without a terminal a bar counts as lines",
+       .target = at<&Request::progress>,
+       .offers = Offers::words,
+       .words = {"bar", "line", "json", "none"}},
       {.name = "--as-user",
        .value = "ID",
        .help = "List only what this user may see; 0, which is everything, when not given",
@@ -63,7 +71,11 @@ std::vector<ExitStatus> exit_statuses(const Command& command) {
   if (!command.failed.empty()) failed += " " + std::string(command.failed);
   return {{exit_done, "Done."},
           {exit_failed, std::move(failed)},
-          {exit_misuse, "The command line is wrong; nothing was changed."}};
+          {exit_misuse, "The command line is wrong; nothing was changed."},
+          {exit_interrupted,
+           "Ctrl-C ended it at a safe point, and standard error tells what stands and what does not. A "
+           "second one ends it at once."},
+          {exit_terminated, "The same for SIGTERM."}};
 }
 
 Option max_size_option(Target (*target)(Request&)) {

@@ -17,6 +17,7 @@
 #include "tools/spc/demo_sources.h"
 #include "tools/spc/demo_tree.h"
 #include "tools/spc/embedded_data.h"
+#include "tools/spc/interruption.h"
 #include "tools/spc/problem.h"
 #include "tools/spc/report/report.h"
 #include "tools/spc/revisions.h"
@@ -272,11 +273,17 @@ void print_for_machines(std::ostream& out, Demo& demo, Link& link) {
 
 void run_demo(const DemoRequest& request, const Terminal& terminal) {
   if (!request.report.empty()) report_page::refuse_existing(request.report);
-  const DemoDatabase database(request);
+  DemoDatabase database(request);
   Link link(database.connect_text(), terminal.trace ? &terminal.err : nullptr);
   make_room_for_demo(link);
   Demo demo(link, terminal);
-  demo.run();
+  try {
+    demo.run();
+  } catch (const Problem&) {
+    if (!interrupted()) throw;
+    const Undisturbed cleaning(link.db());
+    throw interruption(database.give_up(link));
+  }
   if (!request.report.empty()) write_demo_report(link, demo.plant(), request.report);
   if (terminal.json)
     print_for_machines(terminal.out, demo, link);

@@ -56,6 +56,7 @@ DemoDatabase::DemoDatabase(const DemoRequest& request) {
     if (fs::exists(file))
       throw Problem{cannot_run, "the file " + file + " is there already", "Name a file that does not exist yet."};
     next_ = "--connect '" + sqlite_connect_text(file) + "'";
+    file_ = file;
   }
   connect_text_ = sqlite_connect_text(file) + ";Create=1";
 }
@@ -63,6 +64,17 @@ DemoDatabase::DemoDatabase(const DemoRequest& request) {
 DemoDatabase::~DemoDatabase() {
   std::error_code ignored;
   if (!folder_.empty()) fs::remove_all(folder_, ignored);
+  if (!given_up_ || file_.empty()) return;
+  for (const char* beside : {"", "-journal", "-wal", "-shm"})
+    fs::remove(file_ + beside, ignored);
+}
+
+std::string DemoDatabase::give_up(Link& link) {
+  given_up_ = true;
+  if (!folder_.empty()) return "the demo's database was temporary and is gone";
+  if (!file_.empty()) return file_ + " was not finished and is removed";
+  drop_schema(link);
+  return "the demo was not finished, and its database is empty again";
 }
 
 std::string DemoDatabase::farewell() const {

@@ -20,12 +20,18 @@ class DemoDatabase {
   DemoDatabase(const DemoDatabase&) = delete;
   DemoDatabase& operator=(const DemoDatabase&) = delete;
 
+  /// The demo was not finished: empties the database, and removes a file that was to be kept when the object goes.
+  /// Gives what stands. Fails: Problem.
+  std::string give_up(Link& link);
+
   const std::string& connect_text() const { return connect_text_; }
   /// What to do with the database next, in a line.
   std::string farewell() const;
 
  private:
   std::string folder_;  ///< temporary; else empty
+  std::string file_;    ///< to be kept; else empty
+  bool given_up_ = false;
   std::string connect_text_;
   std::string next_;  ///< the options that name the database again; empty when it is temporary
 };

@@ -4,6 +4,7 @@
 #include <thread>
 
 #include "spcbase/dataentry/sample.h"
+#include "tools/spc/interruption.h"
 #include "tools/spc/problem.h"
 
 namespace spc {
@@ -63,10 +64,13 @@ std::vector<long> write_samples(Link& link, const std::string& file, const Profi
   std::vector<long> written;
   Writer writer(link, shape, entrant);
   for (auto& sample : samples) {
+    stop_if_interrupted(what_stands(written, sample, samples.size(), FailureClass::other));
     const auto outcome = writer.write(sample);
     if (!outcome) {
+      const FailureClass why = outcome.failure().failure_class;
+      stop_if_interrupted(what_stands(written, sample, samples.size(), why));
       Problem problem = problem_of("cannot import " + file, outcome.failure());
-      problem.note = what_stands(written, sample, samples.size(), outcome.failure().failure_class);
+      problem.note = what_stands(written, sample, samples.size(), why);
       if (link.db().link_is_dead()) problem.note += " The driver says that the link is dead.";
       throw problem;
     }

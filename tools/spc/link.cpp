@@ -8,6 +8,7 @@
 
 #include "spcbase/platform/database/connect_text.h"
 #include "tools/engine/reference_engine.h"
+#include "tools/spc/interruption.h"
 #include "tools/spc/problem.h"
 
 namespace spc {
@@ -94,6 +95,7 @@ Link::Link(std::string connect_text, std::ostream* trace) : shown_(spcdb::mask_p
   if (shown_.ends_with(create_option)) shown_.erase(shown_.size() - create_option.size());
   doing("cannot open the database " + shown_, [&] { db_.OpenEx(connect_text.c_str()); });
   if (trace != nullptr) db_.set_observer(&trace_.emplace(*trace));
+  stop_when_interrupted(db_);
   engine_ = reference_engine::make(db_);
 }
 

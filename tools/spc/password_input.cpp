@@ -4,6 +4,7 @@
 #include <system_error>
 
 #include "spcbase/platform/system/terminal.h"
+#include "tools/spc/interruption.h"
 #include "tools/spc/problem.h"
 #include "tools/spc/utf8.h"
 
@@ -44,7 +45,11 @@ std::string ask_unseen(const Terminal& terminal, const std::string& question, co
     throw Problem{what, "nobody can be asked: standard input is no terminal",
                   "--password-fd N reads the password from an open file descriptor."};
   std::string line;
-  const auto ask = [&] { terminal.err << question << ": " << std::flush; };
+  const auto ask = [&] {
+    if (interrupted()) terminal.err << '\n';
+    stop_if_interrupted("nothing was changed");
+    terminal.err << question << ": " << std::flush;
+  };
   const auto ended = platform::read_hidden_line(standard_input, ask, line);
   const int error = errno;
   // The line end that was typed was not shown either.

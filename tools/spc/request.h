@@ -17,7 +17,8 @@ struct Request {
   Place place;
   bool json = false;
   bool trace = false;
-  int as_user = 0;  ///< lists show what this user may see; 0 sees everything
+  std::string progress;  ///< the word of --progress; empty: as fits
+  int as_user = 0;       ///< lists show what this user may see; 0 sees everything
   ImportRequest import;
   std::string list_profile;
   std::size_t list_limit = 20;

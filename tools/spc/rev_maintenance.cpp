@@ -6,6 +6,7 @@
 
 #include "spcbase/foundation/recordset.h"
 #include "spcbase/revision/maintenance.h"
+#include "tools/spc/interruption.h"
 #include "tools/spc/problem.h"
 
 namespace spc {
@@ -233,6 +234,8 @@ void reset_revisions(Link& link, const Terminal& terminal) {
   constexpr std::size_t alterations = 2;
   Progress progress(terminal, "resetting", std::size(reset_steps) + alterations);
   const StatementWatch watch(link.db(), [&] { progress.step(); });
+  // No server undoes all of it: once begun it goes on to its end.
+  const Undisturbed work(link.db());
   const auto outcome = guarded([&] { rev::reset_migration(link.db()); });
   if (!outcome) throw reset_problem(outcome.failure(), watch);
 }

@@ -5,6 +5,7 @@
 #include <sstream>
 
 #include "schema/description.h"
+#include "tools/spc/interruption.h"
 #include "tools/spc/problem.h"
 
 namespace spc {
@@ -107,6 +108,7 @@ std::size_t create_schema(Link& link) {
     transaction.commit();
   });
   if (!outcome) {
+    const Undisturbed cleaning(link.db());
     drop_again(link, server, made);
     throw problem_of(cannot_create, outcome.failure());
   }

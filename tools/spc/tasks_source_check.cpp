@@ -1,4 +1,5 @@
 #include "spcbase/datasource/stored.h"
+#include "tools/spc/interruption.h"
 #include "tools/spc/outside_database.h"
 #include "tools/spc/problem.h"
 #include "tools/spc/source_definition.h"
@@ -41,6 +42,8 @@ Rewriting rewrite(Link& link, const SourceRequest& request, const Terminal& term
   rewriting.found = ids.size();
   Progress progress(terminal, "rewriting", ids.size());
   for (const int id : ids) {
+    stop_if_interrupted(std::to_string(rewriting.saved) + " of " + counted(ids.size(), "data source") +
+                        " are saved, the others stand as they were");
     SourceRow row;
     row.id = id;
     try {
@@ -53,6 +56,8 @@ Rewriting rewrite(Link& link, const SourceRequest& request, const Terminal& term
     }
     progress.step();
   }
+  stop_if_interrupted(std::to_string(rewriting.saved) + " of " + counted(ids.size(), "data source") +
+                      " are saved, the others stand as they were");
   return rewriting;
 }
 

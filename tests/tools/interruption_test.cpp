@@ -1,0 +1,204 @@
+// Plan, on SQLite and on a private MariaDB server
+//   Ctrl-C in an import: whole samples stand, as many as it says; SIGTERM has a status of its own
+//   In a rebuild of all versions: all or nothing
+//   In a rewrite of data sources: those that it says are saved
+//   In db create and in the demo: nothing stays, no file either
+//   In a reset, which no server undoes: it goes on to its end
+//   A second signal ends the command at once; a signal that is ignored stays ignored
+//   --progress: lines without a terminal, objects, nothing
+#include <gtest/gtest.h>
+
+#include <chrono>
+#include <csignal>
+#include <filesystem>
+#include <fstream>
+
+#include "tests/tools/json_check.h"
+#include "tests/tools/program.h"
+#include "tools/plant/plant.h"
+#include "tools/spc/words.h"
+
+namespace {
+
+using command_test::Answer;
+using command_test::run_and_signal;
+using test_support::ServerKind;
+
+class Interrupted : public command_test::OnDatabase {
+ protected:
+  std::vector<std::string> on_database(std::vector<std::string> arguments) {
+    arguments.insert(arguments.begin(), {"--connect", database().connect_text(), "--progress", "line"});
+    return arguments;
+  }
+  std::string count(const std::string& table) { return value("SELECT COUNT(*) FROM " + table); }
+
+  /// A profile, and a file with so many samples of two pieces for it.
+  std::vector<std::string> import_of(int samples) {
+    plant::Builder builder(db());
+    builder.add_profile("Rings", "",
+                        {plant::characteristic(builder.add_characteristic({"Width", "", plant::Kind::number, 2}))});
+    std::ofstream file(folder_.file("in.csv"));
+    file << "sample,Width\n";
+    for (int i = 1; i <= samples; ++i)
+      file << i << ",1.5\n" << i << ",2.5\n";
+    return on_database({"sample", "import", folder_.file("in.csv"), "--profile", "Rings"});
+  }
+  /// The numbers 0 to 999 as a table n.
+  static std::string thousand() {
+    const std::string digits =
+        "(SELECT 0 d UNION ALL SELECT 1 UNION ALL SELECT 2 UNION ALL SELECT 3 UNION ALL SELECT 4 UNION ALL SELECT 5 "
+        "UNION ALL SELECT 6 UNION ALL SELECT 7 UNION ALL SELECT 8 UNION ALL SELECT 9)";
+    return "(SELECT a.d + 10 * b.d + 100 * c.d AS i FROM " + digits + " a, " + digits + " b, " + digits + " c) n";
+  }
+  void add_revisions() {
+    execute(
+        "INSERT INTO CSOBJREV (REVID, OBJID, OBJTYPE, REVISION, MAJORVER, MINORVER, FLAG, CUSERID, CUSER, CREASON) "
+        "SELECT i + 1, 5, 3, i + 1, 7, 7, 0, 7, 'anna', 'because' FROM " +
+        thousand());
+  }
+
+  test_support::ScratchFolder folder_;
+};
+
+INSTANTIATE_TEST_SUITE_P(Servers, Interrupted, test_support::main_servers(), test_support::server_name);
+
+TEST_P(Interrupted, an_import_leaves_whole_samples_as_many_as_it_says) {
+  const Answer answer = run_and_signal(import_of(1000), ": 100 of 1000", {SIGINT});
+  EXPECT_EQ(answer.status, 130) << answer;
+  EXPECT_EQ(answer.out, "");
+  const std::string samples = count("CSSAMP");
+  EXPECT_GE(std::stoi(samples), 100);
+  EXPECT_LT(std::stoi(samples), 1000) << "the file was too short for a signal";
+  EXPECT_TRUE(answer.complains("spc: interrupted: " + samples + " of 1000 samples stand (numbers 1 to " + samples +
+                               "); sample " + std::to_string(std::stoi(samples) + 1) + " of the file (line "))
+      << answer;
+  EXPECT_TRUE(answer.complains(") and what follows it do not.\n")) << answer;
+  EXPECT_EQ(count("CSVALUE"), std::to_string(2 * std::stoi(samples)));
+}
+
+TEST_P(Interrupted, a_wish_to_end_has_a_status_of_its_own) {
+  const Answer answer = run_and_signal(import_of(1000), ": 100 of 1000", {SIGTERM});
+  EXPECT_EQ(answer.status, 143) << answer;
+  EXPECT_TRUE(answer.complains("spc: interrupted: ")) << answer;
+}
+
+TEST_P(Interrupted, a_rebuild_changes_nothing) {
+  add_revisions();
+  const Answer answer =
+      run_and_signal(on_database({"rev", "rebuild", "--yes"}), "counting versions: 100 of 1000", {SIGINT});
+  EXPECT_EQ(answer.status, 130) << answer;
+  EXPECT_TRUE(answer.err.ends_with("spc: interrupted: nothing was changed\n")) << answer;
+  EXPECT_EQ(value("SELECT COUNT(*) FROM CSOBJREV WHERE MAJORVER = 7 AND MINORVER = 7"), "1000");
+}
+
+TEST_P(Interrupted, a_rebuild_in_json_says_that_it_was_not_done) {
+  add_revisions();
+  const Answer answer =
+      run_and_signal(on_database({"rev", "rebuild", "--yes", "--json"}), "counting versions: 100 of 1000", {SIGINT});
+  EXPECT_EQ(answer.status, 130) << answer;
+  EXPECT_FALSE(json_check::parse(answer.out)["done"].truth);
+}
+
+TEST_P(Interrupted, a_rewrite_says_how_many_are_saved) {
+  ASSERT_EQ(spc({"source", "add", "first"}).status, 0);
+  execute(
+      "INSERT INTO CSEXDB (EXDBID, NAME, FLG1, FLG2, DATA) SELECT i + 1000, 'copy', FLG1, FLG2, DATA FROM CSEXDB, " +
+      thousand());
+  execute("UPDATE CSEXDB SET FLG2 = 5");
+  const Answer answer = run_and_signal(on_database({"source", "rewrite"}), "rewriting: 101 of 1001", {SIGINT});
+  EXPECT_EQ(answer.status, 130) << answer;
+  const std::string saved = value("SELECT COUNT(*) FROM CSEXDB WHERE FLG2 <> 5");
+  EXPECT_GE(std::stoi(saved), 101);
+  EXPECT_LT(std::stoi(saved), 1001);
+  EXPECT_TRUE(answer.err.ends_with("spc: interrupted: " + saved +
+                                   " of 1001 data sources are saved, the others stand as they were\n"))
+      << answer;
+}
+
+TEST_P(Interrupted, an_audit_says_that_it_is_not_finished) {
+  const Answer answer = run_and_signal(on_database({"doctor"}), "examining: ", {SIGINT});
+  EXPECT_EQ(answer.status, 130) << answer;
+  EXPECT_TRUE(answer.err.ends_with("spc: interrupted: nothing was changed, and the audit is not finished\n")) << answer;
+  EXPECT_EQ(answer.out, "");
+}
+
+TEST_P(Interrupted, a_second_signal_ends_the_command_at_once) {
+  auto arguments = import_of(1);
+  arguments.insert(arguments.begin(), "--trace");
+  if (kind() == ServerKind::sqlite) arguments[2] += ";Timeout=60000";
+  auto other = second_connection();
+  other->BeginTrans();
+  other->ExecuteSQL("UPDATE CSSPRN SET MAXNO = MAXNO");
+  const auto begin = std::chrono::steady_clock::now();
+  const Answer answer = run_and_signal(arguments, "importing ", {SIGINT, SIGINT});
+  other->Rollback();
+  EXPECT_EQ(answer.status, -1) << "by the signal " << answer;
+  EXPECT_LT(std::chrono::steady_clock::now() - begin, std::chrono::seconds(20));
+  EXPECT_EQ(count("CSSAMP"), "0");
+}
+
+class InterruptedAnew : public testing::TestWithParam<ServerKind> {
+ protected:
+  command_test::EmptyDatabase database_{GetParam()};
+};
+
+INSTANTIATE_TEST_SUITE_P(Servers, InterruptedAnew, test_support::main_servers(), test_support::server_name);
+
+TEST_P(InterruptedAnew, making_the_schema_leaves_an_empty_database) {
+  const Answer answer = run_and_signal({"--connect", database_.connect_text(), "--trace", "db", "create"},
+                                       "CREATE TABLE CSSAMP", {SIGINT});
+  EXPECT_EQ(answer.status, 130) << answer;
+  EXPECT_TRUE(answer.err.ends_with("spc: interrupted: nothing was changed\n")) << answer;
+  EXPECT_EQ(command_test::run({"--connect", database_.connect_text(), "db", "create"}).status, 0)
+      << "nothing stood in the way";
+}
+
+TEST_P(InterruptedAnew, the_demo_leaves_an_empty_database) {
+  const Answer answer = run_and_signal({"--connect", database_.connect_text(), "--progress", "line", "demo"},
+                                       "juice_cans.csv: ", {SIGINT});
+  EXPECT_EQ(answer.status, 130) << answer;
+  EXPECT_TRUE(answer.err.ends_with("spc: interrupted: the demo was not finished, and its database is empty again\n"))
+      << answer;
+  EXPECT_EQ(answer.out, "");
+  EXPECT_EQ(command_test::run({"--connect", database_.connect_text(), "db", "create"}).status, 0);
+}
+
+TEST(InterruptedDemo, removes_the_file_that_was_to_be_kept) {
+  const test_support::ScratchFolder folder;
+  const Answer answer =
+      run_and_signal({"--progress", "json", "demo", "--keep", folder.file("plant.db")}, "juice_cans.csv", {SIGINT});
+  EXPECT_EQ(answer.status, 130) << answer;
+  EXPECT_TRUE(answer.complains("spc: interrupted: " + folder.file("plant.db") + " was not finished and is removed\n"))
+      << answer;
+  EXPECT_TRUE(std::filesystem::is_empty(folder.path()));
+}
+
+TEST(InterruptedReset, goes_on_to_its_end) {
+  test_support::SchemaDatabase database(ServerKind::mariadb);
+  database.execute(
+      "INSERT INTO CSOBJREV (REVID, OBJID, OBJTYPE, REVISION, MAJORVER, MINORVER, FLAG, CUSERID, CUSER, CREASON) "
+      "VALUES (1, 5, 3, 1, 0, 1, 0, 7, 'anna', 'because')");
+  const Answer answer = run_and_signal({"--connect", database.connect_text(), "--trace", "rev", "reset", "--yes"},
+                                       "DROP FOREIGN KEY FKREVDAT1", {SIGINT});
+  EXPECT_EQ(answer.status, 0) << answer;
+  EXPECT_TRUE(answer.says("Done.\n"));
+  EXPECT_EQ(database.value("SELECT COUNT(*) FROM CSOBJREV"), "0");
+}
+
+TEST(ProgressOption, tells_in_the_wanted_form) {
+  const auto err_of = [](const char* style) {
+    const Answer answer = command_test::run({"--progress", style, "demo"});
+    EXPECT_EQ(answer.status, 0) << answer;
+    return answer.err;
+  };
+  EXPECT_NE(err_of("line").find("read back and compare: 70 of 140\n"), std::string::npos);
+  EXPECT_NE(err_of("bar").find("read back and compare: 70 of 140\n"), std::string::npos) << "no terminal";
+  EXPECT_EQ(err_of("none"), "");
+  const auto lines = spc::words_of(err_of("json"), "\n");
+  EXPECT_GT(lines.size(), 200U);
+  for (const auto& line : lines)
+    EXPECT_LE(json_check::parse(line)["done"].number, json_check::parse(line)["total"].number) << line;
+  EXPECT_EQ(command_test::run({"--progress", "loud", "demo"}).status, 2);
+}
+
+}  // namespace
