@@ -41,9 +41,12 @@ Rewriting rewrite(Link& link, const SourceRequest& request, const Terminal& term
   Rewriting rewriting;
   rewriting.found = ids.size();
   Progress progress(terminal, "rewriting", ids.size());
-  for (const int id : ids) {
+  const auto stop_here = [&] {
     stop_if_interrupted(std::to_string(rewriting.saved) + " of " + counted(ids.size(), "data source") +
                         " are saved, the others stand as they were");
+  };
+  for (const int id : ids) {
+    stop_here();
     SourceRow row;
     row.id = id;
     try {
@@ -56,8 +59,7 @@ Rewriting rewrite(Link& link, const SourceRequest& request, const Terminal& term
     }
     progress.step();
   }
-  stop_if_interrupted(std::to_string(rewriting.saved) + " of " + counted(ids.size(), "data source") +
-                      " are saved, the others stand as they were");
+  stop_here();
   return rewriting;
 }
 
