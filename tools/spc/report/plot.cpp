@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <string_view>
 
 #include "tools/spc/utf8.h"
 
@@ -155,8 +156,15 @@ void Plot::side_labels() {
 }
 
 double text_width(const std::string& text, double size) {
-  constexpr double generous = 0.6;
-  return generous * size * static_cast<double>(display_width(text));
+  constexpr std::string_view broad = "MWmw@%&";
+  double letters = 0.62 * static_cast<double>(display_width(text));
+  for (const char c : text) {
+    if (broad.find(c) != std::string_view::npos)
+      letters += 0.4;
+    else if (c >= 'A' && c <= 'Z')
+      letters += 0.15;
+  }
+  return letters * size;
 }
 
 }  // namespace spc::report_page
