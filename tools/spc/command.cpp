@@ -1,6 +1,7 @@
 #include "tools/spc/command.h"
 
 #include "tools/spc/completion.h"
+#include "tools/spc/dry_run_answer.h"
 #include "tools/spc/grammar.h"
 #include "tools/spc/help.h"
 #include "tools/spc/interruption.h"
@@ -33,9 +34,15 @@ int run(int argc, const char* const* argv, std::ostream& out, std::ostream& err,
         break;
     }
     const Request& request = reading.request;
-    const Terminal terminal{out, err, request.json, request.trace,
-                            progress_style(request.progress, is_terminal, request.json, request.trace)};
-    return doing("the command failed", [&] { return reading.command->task(request, terminal); });
+    DryRunAnswer answer(request.dry_run, request.json, out);
+    const Terminal terminal{answer.out(),
+                            err,
+                            request.json,
+                            request.trace,
+                            progress_style(request.progress, is_terminal, request.json, request.trace),
+                            answer.dry_run()};
+    return answer.of(
+        [&] { return doing("the command failed", [&] { return reading.command->task(request, terminal); }); });
   } catch (const Problem& problem) {
     out.flush();
     const Problem told = is_interruption(problem) ? as_interruption(problem) : problem;

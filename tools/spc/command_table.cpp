@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <iterator>
 
+#include "tools/spc/dry_run_answer.h"
 #include "tools/spc/interruption.h"
 #include "tools/spc/problem.h"
 
@@ -64,7 +65,19 @@ const std::vector<Option>& global_options() {
   return all;
 }
 
-std::vector<Option> options_of(const Command& command) { return command.options; }
+std::vector<Option> options_of(const Command& command) {
+  std::vector<Option> all = command.options;
+  if (command.changes)
+    all.push_back({.name = "--dry-run",
+                   .help = "Do all of it, tell the rows that it touched, and take it back: nothing is changed",
+                   .target = at<&Request::dry_run>});
+  return all;
+}
+
+Shape json_of(const Command& command) {
+  const Shape answer = command.json();
+  return command.changes ? shapes::any_of({answer, dry_run_shape(answer)}) : answer;
+}
 
 std::vector<ExitStatus> exit_statuses(const Command& command) {
   std::string failed = "It failed, and standard error tells why.";

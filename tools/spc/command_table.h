@@ -128,6 +128,9 @@ const std::vector<Option>& global_options();
 /// The arguments and options that a command takes beside those.
 std::vector<Option> options_of(const Command& command);
 
+/// What --json prints, of a dry run too. The command has a shape.
+Shape json_of(const Command& command);
+
 /// An exit status and what it says.
 struct ExitStatus {
   int status;

@@ -273,8 +273,9 @@ void print_for_machines(std::ostream& out, Demo& demo, Link& link) {
 
 void run_demo(const DemoRequest& request, const Terminal& terminal) {
   if (!request.report.empty()) report_page::refuse_existing(request.report);
-  DemoDatabase database(request);
-  Link link(database.connect_text(), terminal.trace ? &terminal.err : nullptr);
+  const bool dry_run = terminal.dry_run != nullptr;
+  DemoDatabase database(request, dry_run);
+  Link link(database.connect_text(), terminal);
   make_room_for_demo(link);
   Demo demo(link, terminal);
   try {
@@ -284,7 +285,7 @@ void run_demo(const DemoRequest& request, const Terminal& terminal) {
     const Undisturbed cleaning(link.db());
     throw interruption(database.give_up(link));
   }
-  if (!request.report.empty()) write_demo_report(link, demo.plant(), request.report);
+  if (!request.report.empty() && !dry_run) write_demo_report(link, demo.plant(), request.report);
   if (terminal.json)
     print_for_machines(terminal.out, demo, link);
   else

@@ -40,7 +40,7 @@ long sample_count(Link& link) {
 
 }  // namespace
 
-DemoDatabase::DemoDatabase(const DemoRequest& request) {
+DemoDatabase::DemoDatabase(const DemoRequest& request, bool dry_run) {
   if (!request.place.dsn.empty() || !request.place.connect.empty()) {
     connect_text_ = connect_text_of(request.place, true);
     next_ = request.place.dsn.empty()
@@ -49,6 +49,10 @@ DemoDatabase::DemoDatabase(const DemoRequest& request) {
     return;
   }
   std::string file = request.keep;
+  if (file.empty() && dry_run) {
+    connect_text_ = "sqlite::memory:";
+    return;
+  }
   if (file.empty()) {
     folder_ = doing(cannot_run, make_temporary_folder);
     file = (fs::path(folder_) / "plant.db").string();

@@ -13,8 +13,9 @@ namespace spc {
 /// The place for the demo, for as long as it runs.
 class DemoDatabase {
  public:
+  /// Nothing is made for a dry run.
   /// Fails: Problem when the file to keep is there already, or no temporary folder can be made.
-  explicit DemoDatabase(const DemoRequest& request);
+  DemoDatabase(const DemoRequest& request, bool dry_run);
   /// Removes what is temporary. The connection must be closed by then.
   ~DemoDatabase();
   DemoDatabase(const DemoDatabase&) = delete;

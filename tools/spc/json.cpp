@@ -113,4 +113,12 @@ JsonWriter& JsonWriter::null() {
   return *this;
 }
 
+JsonWriter& JsonWriter::whole(std::string_view json) {
+  begin_value();
+  if (json.ends_with('\n')) json.remove_suffix(1);
+  for (const char c : json)
+    c == '\n' ? new_line() : static_cast<void>(out_ << c);
+  return *this;
+}
+
 }  // namespace spc

@@ -34,6 +34,8 @@ class JsonWriter {
   JsonWriter& value(double number);
   JsonWriter& value(bool truth);
   JsonWriter& null();
+  /// A value that another writer has written.
+  JsonWriter& whole(std::string_view json);
 
  private:
   JsonWriter& open(char bracket);

@@ -8,6 +8,7 @@
 
 #include "spcbase/platform/database/connect_text.h"
 #include "tools/engine/reference_engine.h"
+#include "tools/spc/dry_run.h"
 #include "tools/spc/interruption.h"
 #include "tools/spc/problem.h"
 
@@ -55,12 +56,20 @@ std::string sqlite_connect_text(const std::string& file) {
   return std::string(sqlite_scheme) + "{" + braced + "}";
 }
 
-std::string connect_text_of(const Place& place, bool create) {
+bool is_default_file(const std::string& file) {
+  try {
+    return file == (data_folder() / "spc.db").string();
+  } catch (const Problem&) {
+    return false;
+  }
+}
+
+std::string connect_text_of(const Place& place, bool create, bool dry_run) {
   if (!place.dsn.empty()) return "DSN=" + place.dsn;
   std::string text = place.connect;
   if (text.empty()) {
     const fs::path folder = data_folder();
-    if (create) doing("cannot make " + folder.string(), [&] { fs::create_directories(folder); });
+    if (create && !dry_run) doing("cannot make " + folder.string(), [&] { fs::create_directories(folder); });
     text = sqlite_connect_text((folder / "spc.db").string());
   }
   const bool says_so = lower(text).find(";create=") != std::string::npos;
@@ -91,19 +100,35 @@ void Trace::print(const spcdb::StatementReport& report) {
   out_ << '\n';
 }
 
-Link::Link(std::string connect_text, std::ostream* trace) : shown_(spcdb::mask_password_in_connect_text(connect_text)) {
+Link::Link(std::string connect_text, std::ostream* trace) : Link(std::move(connect_text), trace, nullptr) {}
+
+Link::Link(std::string connect_text, const Terminal& terminal)
+    : Link(std::move(connect_text), trace_of(terminal), terminal.dry_run) {}
+
+Link::Link(std::string connect_text, std::ostream* trace, DryRun* dry_run)
+    : dry_run_(dry_run), shown_(spcdb::mask_password_in_connect_text(connect_text)) {
   if (shown_.ends_with(create_option)) shown_.erase(shown_.size() - create_option.size());
+  if (dry_run_ != nullptr) connect_text = connect_text_for_dry_run(connect_text);
   doing("cannot open the database " + shown_, [&] { db_.OpenEx(connect_text.c_str()); });
   if (trace != nullptr) db_.set_observer(&trace_.emplace(*trace));
   stop_when_interrupted(db_);
   engine_ = reference_engine::make(db_);
+  // The last step: whoever began is sure to end, in the destructor.
+  if (dry_run_ != nullptr) doing("cannot begin the dry run", [&] { dry_run_->begin(db_, server()); });
 }
 
 Link::~Link() {
   engine_ = nullptr;
+  if (dry_run_ != nullptr) dry_run_->end(db_);
   db_.set_observer(nullptr);
   // A server that is gone cannot be told goodbye; whatever failed has been told by now.
   static_cast<void>(guarded([&] { db_.Close(); }));
+}
+
+bool Link::only_plans_schema() const { return dry_run_ != nullptr && !dry_run_->takes_back_schema(); }
+
+void Link::before_schema_change(const std::vector<std::string>& statements) const {
+  if (only_plans_schema()) dry_run_->plan(statements);
 }
 
 std::optional<schema::Server> Link::server() {

@@ -6,10 +6,12 @@
 #include <optional>
 #include <ostream>
 #include <string>
+#include <vector>
 
 #include "schema/ddl.h"
 #include "spcbase/companion/engine.h"
 #include "spcbase/foundation/connection.h"
+#include "tools/spc/terminal.h"
 
 namespace spc {
 
@@ -20,9 +22,12 @@ struct Place {
 };
 
 /// The connect text of a place: the DSN, the text, or the file of the user's data folder. With `create` an SQLite file
-/// is made when it is missing, and so is the user's data folder.
+/// is made when it is missing, and so is the user's data folder, but not by a dry run.
 /// Fails: Problem when there is no place at all: no text, and no home folder to look in.
-std::string connect_text_of(const Place& place, bool create);
+std::string connect_text_of(const Place& place, bool create, bool dry_run = false);
+
+/// Whether this is the file of the user's data folder, which is taken when no database is named.
+bool is_default_file(const std::string& file);
 
 /// "sqlite:" and a file of any name.
 std::string sqlite_connect_text(const std::string& file);
@@ -42,6 +47,8 @@ class Trace : public spcdb::StatementObserver {
 /// An open connection with its engine.
 class Link {
  public:
+  /// As the terminal wants it: traced, and a dry run that ends with the link.
+  Link(std::string connect_text, const Terminal& terminal);
   /// Null: `trace` is null when nobody wants to see statements.
   /// Fails: Problem, in which passwords are masked.
   Link(std::string connect_text, std::ostream* trace);
@@ -54,10 +61,18 @@ class Link {
   /// The connect text with its passwords masked.
   const std::string& shown_connect_text() const { return shown_; }
 
+  /// Whether this is a dry run on a server that would commit changes of the schema by itself: they are not sent.
+  bool only_plans_schema() const;
+  /// To be called before such changes are sent. Fails: NotToBeRun, if they are not to be.
+  void before_schema_change(const std::vector<std::string>& statements) const;
+
   /// The kind of server, by which DDL is chosen; nothing for one without DDL.
   std::optional<schema::Server> server();
 
  private:
+  Link(std::string connect_text, std::ostream* trace, DryRun* dry_run);
+
+  DryRun* dry_run_;
   std::optional<Trace> trace_;
   std::string shown_;
   CDatabaseEx db_;

@@ -63,6 +63,8 @@ std::optional<std::string> obtain_password(const PasswordRequest& request, bool 
   if (request.file) return read_from(*request.file, what);
   if (request.none) return std::nullopt;
   if (!request.ask && !(expected && platform::is_terminal(standard_input))) return std::nullopt;
+  // What it is changes no row of a dry run; that there is one shows in the answer.
+  if (terminal.dry_run != nullptr && platform::is_terminal(standard_input)) return "***";
   std::string typed = ask_unseen(terminal, "Password for " + on_one_line(whose) + " (nothing for none)", what);
   if (typed.empty()) return std::nullopt;
   return typed;

@@ -17,6 +17,7 @@ struct Request {
   Place place;
   bool json = false;
   bool trace = false;
+  bool dry_run = false;
   std::string progress;  ///< the word of --progress; empty: as fits
   int as_user = 0;       ///< lists show what this user may see; 0 sees everything
   ImportRequest import;

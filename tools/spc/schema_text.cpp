@@ -13,7 +13,7 @@ class SchemaWriter {
   explicit SchemaWriter(std::ostream& out) : json_(out) {}
 
   void write(const Command& command) {
-    const Shape shape = command.json();
+    const Shape shape = json_of(command);
     json_.begin_object();
     json_.key("$schema").value("https://json-schema.org/draft/2020-12/schema");
     json_.key("title").value("spc " + std::string(command.path) + " --json");

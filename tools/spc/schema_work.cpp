@@ -98,6 +98,7 @@ SchemaState inspect_schema(Link& link) {
 std::size_t create_schema(Link& link) {
   const schema::Server server = known_server(link, cannot_create);
   refuse_when_present(link);
+  link.before_schema_change(schema::create_statements(server));
   std::set<std::string> made;
   const auto outcome = guarded([&] {
     AutoODBCTransaction transaction(link.db(), true);
@@ -118,6 +119,7 @@ std::size_t create_schema(Link& link) {
 void drop_schema(Link& link) {
   const std::string what = "cannot drop the schema";
   const schema::Server server = known_server(link, what);
+  link.before_schema_change(schema::drop_statements(server));
   doing(what, [&] {
     AutoODBCTransaction transaction(link.db(), true);
     for (const auto& statement : schema::drop_statements(server))

@@ -96,7 +96,7 @@ void write_check(std::ostream& out, const CheckResult& result) {
 }  // namespace
 
 int create_database(const Place& place, const Terminal& terminal) {
-  Link link(connect_text_of(place, true), trace_of(terminal));
+  Link link(connect_text_of(place, true, terminal.dry_run != nullptr), terminal);
   const std::size_t objects = create_schema(link);
   if (terminal.json) {
     JsonWriter json(terminal.out);

@@ -115,7 +115,7 @@ int check_numbers(const Place& place, const std::string& table, const Terminal& 
 
 int repair_numbers(const Place& place, const std::string& table, const Terminal& terminal) {
   const auto numbers = numbers_of(table);
-  Link link(connect_text_of(place, false), trace_of(terminal));
+  Link link(connect_text_of(place, false), terminal);
   Repair repair;
   repair.before = inspect_numbers(link, numbers);
   repair_numbers(link, numbers);

@@ -71,7 +71,7 @@ int get_payload(const Place& place, const PayloadRequest& request, const Termina
 int put_payload(const Place& place, const PayloadRequest& request, const Terminal& terminal) {
   const PayloadKind& kind = find_payload_kind(request.kind);
   const std::string bytes = read_payload_file(request.file);
-  Link link(connect_text_of(place, false), trace_of(terminal));
+  Link link(connect_text_of(place, false), terminal);
   const std::string what = "cannot put " + described(kind, request.id);
   // The table of payloads knows no objects: it would keep a payload that belongs to nothing.
   if (!doing(what, [&] { return object_exists(link.db(), kind, request.id); }))
@@ -85,7 +85,7 @@ int put_payload(const Place& place, const PayloadRequest& request, const Termina
 
 int delete_payload(const Place& place, const PayloadRequest& request, const Terminal& terminal) {
   const PayloadKind& kind = find_payload_kind(request.kind);
-  Link link(connect_text_of(place, false), trace_of(terminal));
+  Link link(connect_text_of(place, false), terminal);
   const std::string what = "cannot delete " + described(kind, request.id);
   const std::size_t bytes = read_payload(link, kind, request, what).size();
   doing(what, [&] { write_payload(link, kind, request, {}); });

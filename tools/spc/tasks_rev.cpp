@@ -138,7 +138,7 @@ void write_payload(const Terminal& terminal, const RevisionRequest& request, con
 int add_revision(const Place& place, const RevisionRequest& request, const Terminal& terminal) {
   const std::string bytes = read_payload_file(request.file);
   const std::string what = "cannot save a revision of " + described(object_of(request));
-  Link link(connect_text_of(place, false), trace_of(terminal));
+  Link link(connect_text_of(place, false), terminal);
   CLongBinary payload;
   doing(what, [&] { set_blob_data(payload, CString(bytes)); });
   const int revision = add(link, request, payload, what);
@@ -194,7 +194,7 @@ int get_revision(const Place& place, const RevisionRequest& request, const Termi
 int approve_revision(const Place& place, const RevisionRequest& request, const Terminal& terminal) {
   const std::string what =
       "cannot approve revision " + std::to_string(request.revision) + " of " + described(object_of(request));
-  Link link(connect_text_of(place, false), trace_of(terminal));
+  Link link(connect_text_of(place, false), terminal);
   const int approved = approve(link, request, what);
   tell(terminal, request, *read_record(link, request, approved, what), "Approved");
   return exit_done;

@@ -1,3 +1,4 @@
+#include "tools/spc/dry_run.h"
 #include "tools/spc/json.h"
 #include "tools/spc/problem.h"
 #include "tools/spc/rev_maintenance.h"
@@ -41,11 +42,14 @@ int after_asking(const Terminal& terminal, const std::string& title, const std::
                  Work work) {
   if (!terminal.json) print_plan(terminal.out, title, plan);
   try {
-    if (!yes)
+    if (!yes && terminal.dry_run == nullptr)
       throw Problem{"nothing was changed", "this cannot be undone, so it wants --yes",
                     "Back up the database, then give the same command with --yes.", exit_misuse};
     work();
   } catch (const Problem&) {
+    if (terminal.json) write_plan(terminal.out, plan, false);
+    throw;
+  } catch (const NotToBeRun&) {
     if (terminal.json) write_plan(terminal.out, plan, false);
     throw;
   }
@@ -59,13 +63,13 @@ int after_asking(const Terminal& terminal, const std::string& title, const std::
 }  // namespace
 
 int rebuild_revisions(const Place& place, bool yes, const Terminal& terminal) {
-  Link link(connect_text_of(place, false), trace_of(terminal));
+  Link link(connect_text_of(place, false), terminal);
   return after_asking(terminal, "Counting all versions anew changes:", plan_rebuild(link), yes,
                       [&] { rebuild_versions(link, terminal); });
 }
 
 int reset_revisions(const Place& place, bool yes, const Terminal& terminal) {
-  Link link(connect_text_of(place, false), trace_of(terminal));
+  Link link(connect_text_of(place, false), terminal);
   const auto plan = plan_reset(link);
   require_reset_possible(link);
   return after_asking(terminal, "Resetting throws away the history of all objects:", plan, yes,

@@ -70,7 +70,7 @@ void tell_import(const Terminal& terminal, const ImportRequest& request, const P
 int import_samples(const Place& place, const ImportRequest& request, const Terminal& terminal) {
   const ImportRules rules = rules_of(request);
   const CsvFile file = read_csv(request.file);
-  Link link(connect_text_of(place, false), trace_of(terminal));
+  Link link(connect_text_of(place, false), terminal);
   const ProfileShape shape = read_shape(link, find_profile(link, request.profile));
   const Entrant entrant = entrant_of(link, request);
   auto samples = prepare_samples(file, shape, rules);

@@ -85,7 +85,7 @@ int add_source(const Place& place, const SourceRequest& request, const Terminal&
   const std::string what = "cannot add the data source " + *request.fields.name;
   Definition definition = definition_of_kind(request.kind.empty() ? OLEDBInfo::kind : kind_of_word(request.kind));
   apply(request.fields, definition, what);
-  Link link(connect_text_of(place, false), trace_of(terminal));
+  Link link(connect_text_of(place, false), terminal);
   require_free_name(read_source_rows(link, 0, what), definition, what);
   if (request.fields.connection_string || request.password.file || request.password.ask) {
     const auto connection = new_connection(request, definition, terminal, what);
@@ -145,7 +145,7 @@ int edit_source(const Place& place, const SourceRequest& request, const Terminal
   const PasswordRequest& password = request.password;
   if (request.fields == SourceFields() && !password.file && !password.ask && !password.none)
     throw Problem{what, "nothing is given that is to change", "spc source edit --help tells what can.", exit_misuse};
-  Link link(connect_text_of(place, false), trace_of(terminal));
+  Link link(connect_text_of(place, false), terminal);
   const auto rows = read_source_rows(link, request.as_user, what);
   const SourceRow& row = find_source(rows, request.which, what);
   Definition definition = read_definition(link, row, request.max_size, what);
@@ -160,7 +160,7 @@ int edit_source(const Place& place, const SourceRequest& request, const Terminal
 
 int remove_source(const Place& place, const SourceRequest& request, const Terminal& terminal) {
   const std::string what = "cannot remove the data source " + request.which;
-  Link link(connect_text_of(place, false), trace_of(terminal));
+  Link link(connect_text_of(place, false), terminal);
   const auto rows = read_source_rows(link, request.as_user, what);
   const SourceRow& row = find_source(rows, request.which, what);
   // Removing asks for the id alone, so that what cannot be read can be removed too.

@@ -110,7 +110,7 @@ void write_outside(const Terminal& terminal, const Definition& definition, const
 
 int test_source(const Place& place, const SourceRequest& request, const Terminal& terminal) {
   const std::string what = "cannot test the data source " + request.which;
-  Link link(connect_text_of(place, false), trace_of(terminal));
+  Link link(connect_text_of(place, false), terminal);
   const auto rows = read_source_rows(link, request.as_user, what);
   const SourceRow& row = find_source(rows, request.which, what);
   Definition definition = read_definition(link, row, request.max_size, what);
@@ -127,7 +127,7 @@ int test_source(const Place& place, const SourceRequest& request, const Terminal
 
 int rewrite_sources(const Place& place, const SourceRequest& request, const Terminal& terminal) {
   const std::string what = "cannot rewrite the data sources";
-  Link link(connect_text_of(place, false), trace_of(terminal));
+  Link link(connect_text_of(place, false), terminal);
   const Rewriting rewriting = rewrite(link, request, terminal, what);
   if (terminal.json) {
     JsonWriter json(terminal.out);

@@ -154,7 +154,7 @@ int import_source(const Place& place, const SourceRequest& request, const Termin
   const int old_id = std::exchange(base_of(definition).id, 0);
   apply(request.fields, definition, what);
   if (base_of(definition).name.IsEmpty()) throw Problem{what, "it has no name", "Give it one with --name."};
-  Link link(connect_text_of(place, false), trace_of(terminal));
+  Link link(connect_text_of(place, false), terminal);
   require_free_name(read_source_rows(link, 0, what), definition, what);
   store_new(link, definition, request.max_size, what);
   if (terminal.json) {

@@ -10,6 +10,8 @@
 
 namespace spc {
 
+class DryRun;
+
 /// How long work tells on standard error how far it is.
 enum class ProgressStyle : unsigned char {
   none,
@@ -28,6 +30,7 @@ struct Terminal {
   bool json = false;
   bool trace = false;
   ProgressStyle progress = ProgressStyle::none;
+  DryRun* dry_run = nullptr;  ///< null: what is done stays
 };
 
 /// Where statements are shown; null when nobody wants to see them.
