@@ -223,6 +223,7 @@ class Shells : public testing::Test {
   Shells() {
     for (const char* shell : {"bash", "zsh", "fish"})
       std::ofstream(folder_.file(shell)) << spc::completion_script(shell);
+    std::ofstream(folder_.file("_spc")) << spc::completion_script("zsh");
     EXPECT_EQ(run({"demo", "--keep", folder_.file("demo.db")}).status, 0);
   }
   /// What a script of a shell prints, line by line.
@@ -247,7 +248,8 @@ class Shells : public testing::Test {
   Texts zsh(const std::string& words, const std::string& typed) {
     return drive("zsh -f",
                  "compadd() { while [[ $1 == -* ]]; do [[ $1 == -[dS] ]] && shift; [[ $1 == -a ]] && "
-                 "{ shift; print -l -- \"${(@P)1}\"; return }; shift; done }\n. ./zsh\nwords=(spc " +
+                 "{ shift; print -l -- \"${(@P)1}\"; return }; shift; done }\nfpath=(. $fpath)\nautoload -Uz _spc\n"
+                 "words=(spc " +
                      words + " " + typed + ")\nCURRENT=$#words\nPREFIX=" + in_quotes(typed) + "\n_spc\n");
   }
   Texts fish(const std::string& line) {
@@ -275,6 +277,12 @@ TEST_F(Shells, bash_offers_commands_options_files_and_names) {
 
 TEST_F(Shells, bash_knows_the_function_for_the_command) {
   EXPECT_EQ(drive("bash --norc", ". ./bash\ncomplete -p spc\n"), Texts{"complete -F _spc spc"});
+}
+
+TEST_F(Shells, zsh_knows_the_function_for_the_command) {
+  EXPECT_EQ(drive("zsh -f", "compdef() { print -- $* }\n. ./zsh\n"), Texts{"_spc spc"});
+  EXPECT_EQ(drive("zsh -f", "fpath=(. $fpath)\nautoload -Uz compinit && compinit -D -u\nprint $_comps[spc]\n"),
+            Texts{"_spc"});
 }
 
 TEST_F(Shells, zsh_offers_commands_options_files_and_names) {

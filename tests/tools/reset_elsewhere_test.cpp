@@ -78,7 +78,7 @@ class ResetElsewhere : public testing::TestWithParam<Kind> {
     std::ostringstream sink;
     spc::Link& all = link();
     spc::require_reset_possible(all);
-    spc::reset_revisions(all, {sink, sink, false, false, false});
+    spc::reset_revisions(all, {sink, sink});
   }
   /// Whatever could change something, in order.
   Texts changes() const {

@@ -199,7 +199,7 @@ spc::Problem problem_of(const std::function<void()>& work) {
 TEST_P(RevisionReset, tells_that_the_foreign_key_is_away_when_it_failed_in_between) {
   std::ostringstream sink;
   script_->on("TRUNCATE TABLE CSOBJREV").refuse(test_support::error("HY000", 1021, "Disk full"));
-  const auto problem = problem_of([&] { spc::reset_revisions(scripted_link(), {sink, sink, false, false, false}); });
+  const auto problem = problem_of([&] { spc::reset_revisions(scripted_link(), {sink, sink}); });
   EXPECT_TRUE(problem.why.ends_with(" in TRUNCATE TABLE CSOBJREV")) << problem.why;
   EXPECT_NE(problem.advice.find("Then add the foreign key again (ALTER TABLE CSREVDAT ADD CONSTRAINT "),
             std::string::npos)

@@ -68,7 +68,12 @@ _spc() {
   (( $#going_on )) && compadd -S '' -a going_on
   return 0
 }
-(( $+functions[compdef] )) && compdef _spc spc
+# Loaded by compinit this file is the function itself, called for the first time; sourced, it has to be made known.
+if [[ ${funcstack[1]:-} == _spc ]]; then
+  _spc "$@"
+elif (( $+functions[compdef] )); then
+  compdef _spc spc
+fi
 )";
 
 constexpr std::string_view fish_script = R"(# fish completion for spc: spc itself knows what may stand at the cursor.
