@@ -22,7 +22,8 @@ class DemoDatabase {
   DemoDatabase& operator=(const DemoDatabase&) = delete;
 
   /// The demo was not finished: empties the database, and removes a file that was to be kept when the object goes.
-  /// Gives what stands. Fails: Problem.
+  /// Gives what stands.
+  /// Fails: Problem.
   std::string give_up(Link& link);
 
   const std::string& connect_text() const { return connect_text_; }

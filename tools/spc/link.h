@@ -63,7 +63,8 @@ class Link {
 
   /// Whether this is a dry run on a server that would commit changes of the schema by itself: they are not sent.
   bool only_plans_schema() const;
-  /// To be called before such changes are sent. Fails: NotToBeRun, if they are not to be.
+  /// To be called before such changes are sent.
+  /// Fails: NotToBeRun, if they are not to be.
   void before_schema_change(const std::vector<std::string>& statements) const;
 
   /// The kind of server, by which DDL is chosen; nothing for one without DDL.

@@ -67,7 +67,8 @@ class Connection {
   /// The server has rolled the open transaction back by itself.
   bool transaction_lost = false;
   /// Asked before each statement but BEGIN, COMMIT and ROLLBACK: true makes it fail unsent, as one that was cancelled
-  /// (HY008). Null: nobody wants to stop anything. Ours, for programs that end in the middle of their work.
+  /// (HY008).
+  /// Null: nobody wants to stop anything. Ours, for programs that end in the middle of their work.
   bool (*wants_to_stop)() noexcept = nullptr;
 
   /// Buffers that every statement writes into, so that a look-up allocates nothing once the connection is warm.
