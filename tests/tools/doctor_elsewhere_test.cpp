@@ -233,7 +233,7 @@ TEST_F(Elsewhere, cannot_compare_clocks_without_a_row_to_ask_with) {
 TEST_F(Elsewhere, ends_when_the_connection_is_lost) {
   play("Oracle 19.00.0000", "select sysdate from dual");
   script_->on_prefix("SELECT COUNT(*) FROM \"CSMINN\"")
-      .refuse(error("08S01", 3113, "end-of-file on communication channel"));
+      .refuse_at_prepare(error("08S01", 3113, "end-of-file on communication channel"));
   try {
     audit();
     FAIL() << "the audit went on";
@@ -246,12 +246,13 @@ TEST_F(Elsewhere, ends_when_the_connection_is_lost) {
 TEST_F(Elsewhere, goes_on_after_a_refusal) {
   play("Oracle 19.00.0000", "select sysdate from dual");
   script_->on_prefix("SELECT COUNT(*) FROM \"CSMINN\"")
-      .refuse(error("42000", 942, "ORA-00942: table or view does not exist"));
+      .refuse_at_prepare(error("42000", 942, "ORA-00942: table or view does not exist"));
   const Audit found = audit({"member-without-folder", "member-without-object"});
   Texts failed;
   for (const auto& entry : found.not_run)
     failed.push_back(std::string(entry.check->name) + " " + entry.table);
   EXPECT_THAT(failed, ElementsAre("member-without-folder CSMINN", "member-without-object CSMINN"));
+  EXPECT_THAT(found.not_run.at(0).why, HasSubstr("ORA-00942"));
   EXPECT_EQ(found.checks, 2U);
 }
 

@@ -44,7 +44,9 @@ class Columns : public CRecordset {
   Columns(CDatabase* db, const schema::Table& table) : CRecordset(db), table_(table) {
     m_nFields = static_cast<UINT>(table.columns.size());
     values_.resize(table.columns.size());
-    m_strFilter = "1 = 0";
+    // No row, without a literal, which servers cannot always tell the type of.
+    const std::string column = "[" + std::string(table.columns.front().name) + "]";
+    m_strFilter = (column + " IS NULL AND " + column + " IS NOT NULL").c_str();
     Open(forwardOnly, nullptr, readOnly | executeDirect);
   }
   CString GetDefaultSQL() override { return ("[" + std::string(table_.name) + "]").c_str(); }
