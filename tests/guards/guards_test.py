@@ -145,12 +145,16 @@ class Texts(Guard):
         self.plant("spcbase/time/a.cpp", "int a;\n" * 601)
         self.expect_find(self.guard, "spcbase/time/a.cpp: 601 lines")
 
+    def test_a_header_that_cannot_be_included_twice_is_found(self):
+        self.plant("spcbase/time/a.h", "int a();\n")
+        self.expect_find(self.guard, "spcbase/time/a.h: no #pragma once")
+
     def test_a_dialect_word_away_from_home_is_found(self):
         self.plant("spcbase/time/a.cpp", 'auto a = "NV' + 'L(%s,0)";\n')
         self.expect_find(self.guard, "spcbase/time/a.cpp:1: ", "dialect table")
 
     def test_a_dialect_word_at_home_or_in_a_comment_is_fine(self):
-        self.plant("spcbase/foundation/internal/dialect_table.h", 'auto a = "NV' + 'L(%s,0)";\n')
+        self.plant("spcbase/foundation/internal/dialect_table.h", '#pragma once\nauto a = "NV' + 'L(%s,0)";\n')
         self.plant("spcbase/time/a.cpp", "int a;  // as NV" + "L does\n")
         self.expect_clean(self.guard)
 
@@ -168,7 +172,7 @@ class Texts(Guard):
             self.expect_find(self.guard, "spcbase/time/a.h:2: ", "a line of its own")
 
     def test_a_label_at_the_start_of_a_line_and_the_word_elsewhere_are_fine(self):
-        self.plant("spcbase/time/a.h", "/// Fails: never\n  // Kept:   as it was\n/// It fails: seldom.\n")
+        self.plant("spcbase/time/a.h", "#pragma once\n/// Fails: never\n  // Kept:   as it was\n/// It fails: seldom.\n")
         self.plant("tests/time/a_test.cpp", "// the plan. Fails: all\n")
         self.expect_clean(self.guard)
 
