@@ -8,8 +8,8 @@
 //   bash, zsh and fish themselves, with the scripts as they are installed
 #include <gtest/gtest.h>
 
-#include <arpa/inet.h>
 #include <sys/socket.h>
+#include <sys/un.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -49,7 +49,7 @@ TEST(Completion, offers_commands_with_what_they_are_for) {
 
 TEST(Completion, offers_options_of_the_command_and_of_all) {
   EXPECT_EQ(texts_for({"sample", "list", "--l"}), Texts{"--limit"});
-  EXPECT_EQ(texts_for({"sample", "list", "--limit", "3", "--pr"}), Texts{"--profile"});
+  EXPECT_EQ(texts_for({"sample", "list", "--limit", "3", "--prof"}), Texts{"--profile"});
   EXPECT_EQ(texts_for({"sample", "list", "--conn"}), Texts{"--connect"});
   EXPECT_TRUE(has(texts_for({"db", "check", ""}), "--json")) << "no argument is left";
   EXPECT_EQ(texts_for({"sample", "list", "--", "--l"}), Texts()) << "behind -- there are no options";
@@ -161,36 +161,33 @@ TEST(CompletionWithoutDatabase, offers_nothing_and_makes_no_file) {
   EXPECT_TRUE(std::filesystem::is_empty(folder.path()));
 }
 
-/// Takes connections, and says nothing.
+/// Takes connections at a socket in the file system, and says nothing.
 class SilentServer {
  public:
-  SilentServer() : socket_(::socket(AF_INET, SOCK_STREAM, 0)) {
-    sockaddr_in address{};
-    address.sin_family = AF_INET;
-    address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
-    socklen_t size = sizeof address;
-    auto* any = reinterpret_cast<sockaddr*>(&address);
-    EXPECT_EQ(::bind(socket_, any, size), 0);
+  SilentServer() : socket_(::socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0)), path_(folder_.file("socket")) {
+    sockaddr_un address{};
+    address.sun_family = AF_UNIX;
+    path_.copy(address.sun_path, sizeof address.sun_path - 1);
+    EXPECT_EQ(::bind(socket_, reinterpret_cast<const sockaddr*>(&address), sizeof address), 0);
     EXPECT_EQ(::listen(socket_, 4), 0);
-    EXPECT_EQ(::getsockname(socket_, any, &size), 0);
-    port_ = ntohs(address.sin_port);
   }
   ~SilentServer() { ::close(socket_); }
   SilentServer(const SilentServer&) = delete;
   SilentServer& operator=(const SilentServer&) = delete;
-  int port() const { return port_; }
+  const std::string& path() const { return path_; }
 
  private:
+  test_support::ScratchFolder folder_;
   int socket_;
-  int port_ = 0;
+  std::string path_;
 };
 
 TEST(CompletionWithoutDatabase, gives_up_a_server_that_does_not_answer) {
   const SilentServer server;
   std::string text = test_support::PrivateMariaDb::shared().odbc_connect_text("x");
-  const auto begin = text.find("SOCKET=") != std::string::npos ? text.find("SOCKET=") : text.find("Socket=");
-  ASSERT_NE(begin, std::string::npos) << text;
-  text.replace(begin, text.find(';', begin) - begin, "SERVER=127.0.0.1;PORT=" + std::to_string(server.port()));
+  const std::string socket = test_support::PrivateMariaDb::shared().socket();
+  ASSERT_NE(text.find(socket), std::string::npos) << text;
+  text.replace(text.find(socket), socket.size(), server.path());
   const auto started = std::chrono::steady_clock::now();
   EXPECT_EQ(answered({"--connect", text, "sample", "show", ""}), Texts());
   const auto took = std::chrono::steady_clock::now() - started;
@@ -281,7 +278,7 @@ TEST_F(Shells, bash_knows_the_function_for_the_command) {
 
 TEST_F(Shells, zsh_knows_the_function_for_the_command) {
   EXPECT_EQ(drive("zsh -f", "compdef() { print -- $* }\n. ./zsh\n"), Texts{"_spc spc"});
-  EXPECT_EQ(drive("zsh -f", "fpath=(. $fpath)\nautoload -Uz compinit && compinit -D -u\nprint $_comps[spc]\n"),
+  EXPECT_EQ(drive("zsh -f", "fpath=($PWD $fpath)\nautoload -Uz compinit && compinit -D -u\nprint $_comps[spc]\n"),
             Texts{"_spc"});
 }
 

@@ -55,8 +55,15 @@ class Interrupted : public command_test::OnDatabase {
         "INSERT INTO CSOBJREV (REVID, OBJID, OBJTYPE, REVISION, MAJORVER, MINORVER, FLAG, CUSERID, CUSER, CREASON) "
         "SELECT i + 1, 5, 3, i + 1, 7, 7, 0, 7, 'anna', 'because' FROM " +
         thousand());
+    for (int more = 1000; more < revisions; more += 1000)
+      execute(
+          "INSERT INTO CSOBJREV (REVID, OBJID, OBJTYPE, REVISION, MAJORVER, MINORVER, FLAG, CUSERID, CUSER, CREASON) "
+          "SELECT REVID + " +
+          std::to_string(more) + ", 5, 3, REVISION + " + std::to_string(more) +
+          ", 7, 7, 0, 7, 'anna', 'because' FROM CSOBJREV WHERE REVID <= 1000");
   }
 
+  static constexpr int revisions = 20'000;
   test_support::ScratchFolder folder_;
 };
 
@@ -73,7 +80,7 @@ TEST_P(Interrupted, an_import_leaves_whole_samples_as_many_as_it_says) {
                                "); sample " + std::to_string(std::stoi(samples) + 1) + " of the file (line "))
       << answer;
   EXPECT_TRUE(answer.complains(") and what follows it do not.\n")) << answer;
-  EXPECT_EQ(count("CSVALUE"), std::to_string(2 * std::stoi(samples)));
+  EXPECT_EQ(count("CSVDAT"), std::to_string(2 * std::stoi(samples)));
 }
 
 TEST_P(Interrupted, a_wish_to_end_has_a_status_of_its_own) {
@@ -85,16 +92,16 @@ TEST_P(Interrupted, a_wish_to_end_has_a_status_of_its_own) {
 TEST_P(Interrupted, a_rebuild_changes_nothing) {
   add_revisions();
   const Answer answer =
-      run_and_signal(on_database({"rev", "rebuild", "--yes"}), "counting versions: 100 of 1000", {SIGINT});
+      run_and_signal(on_database({"rev", "rebuild", "--yes"}), "counting versions: 2000 of 20000", {SIGINT});
   EXPECT_EQ(answer.status, 130) << answer;
   EXPECT_TRUE(answer.err.ends_with("spc: interrupted: nothing was changed\n")) << answer;
-  EXPECT_EQ(value("SELECT COUNT(*) FROM CSOBJREV WHERE MAJORVER = 7 AND MINORVER = 7"), "1000");
+  EXPECT_EQ(value("SELECT COUNT(*) FROM CSOBJREV WHERE MAJORVER = 7 AND MINORVER = 7"), std::to_string(revisions));
 }
 
 TEST_P(Interrupted, a_rebuild_in_json_says_that_it_was_not_done) {
   add_revisions();
   const Answer answer =
-      run_and_signal(on_database({"rev", "rebuild", "--yes", "--json"}), "counting versions: 100 of 1000", {SIGINT});
+      run_and_signal(on_database({"rev", "rebuild", "--yes", "--json"}), "counting versions: 2000 of 20000", {SIGINT});
   EXPECT_EQ(answer.status, 130) << answer;
   EXPECT_FALSE(json_check::parse(answer.out)["done"].truth);
 }
@@ -104,10 +111,10 @@ TEST_P(Interrupted, a_rewrite_says_how_many_are_saved) {
   execute(
       "INSERT INTO CSEXDB (EXDBID, NAME, FLG1, FLG2, DATA) SELECT i + 1000, 'copy', FLG1, FLG2, DATA FROM CSEXDB, " +
       thousand());
-  execute("UPDATE CSEXDB SET FLG2 = 5");
+  execute("UPDATE CSEXDB SET MTIME = NULL");
   const Answer answer = run_and_signal(on_database({"source", "rewrite"}), "rewriting: 101 of 1001", {SIGINT});
   EXPECT_EQ(answer.status, 130) << answer;
-  const std::string saved = value("SELECT COUNT(*) FROM CSEXDB WHERE FLG2 <> 5");
+  const std::string saved = value("SELECT COUNT(*) FROM CSEXDB WHERE MTIME IS NOT NULL");
   EXPECT_GE(std::stoi(saved), 101);
   EXPECT_LT(std::stoi(saved), 1001);
   EXPECT_TRUE(answer.err.ends_with("spc: interrupted: " + saved +
@@ -130,7 +137,7 @@ TEST_P(Interrupted, a_second_signal_ends_the_command_at_once) {
   other->BeginTrans();
   other->ExecuteSQL("UPDATE CSSPRN SET MAXNO = MAXNO");
   const auto begin = std::chrono::steady_clock::now();
-  const Answer answer = run_and_signal(arguments, "importing ", {SIGINT, SIGINT});
+  const Answer answer = run_and_signal(arguments, " 0 of 1", {SIGINT, SIGINT});
   other->Rollback();
   EXPECT_EQ(answer.status, -1) << "by the signal " << answer;
   EXPECT_LT(std::chrono::steady_clock::now() - begin, std::chrono::seconds(20));

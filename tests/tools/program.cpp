@@ -172,8 +172,8 @@ Answer run_and_signal(const std::vector<std::string>& arguments, const std::stri
     if (sent || line.find(mark) == std::string::npos) return;
     sent = true;
     for (const int number : numbers) {
+      if (numbers.size() > 1) std::this_thread::sleep_for(std::chrono::milliseconds(300));
       ::kill(process, number);
-      if (numbers.size() > 1) std::this_thread::sleep_for(std::chrono::milliseconds(100));
     }
   };
   // Whoever starts the tests behind a shell's back may have them ignore Ctrl-C.

@@ -46,7 +46,7 @@ Answer run_prepared(const std::vector<std::string>& arguments, const std::functi
 /// As `run`, without anybody at standard input; `line` and a line end stand on the file descriptor 3.
 Answer run_with_line(const std::vector<std::string>& arguments, const std::string& line);
 
-/// As `run`; when a line of standard error holds `mark`, the command is sent these signals, one soon after the other.
+/// As `run`; when a line of standard error holds `mark`, the command is sent this signal, or several after pauses.
 Answer run_and_signal(const std::vector<std::string>& arguments, const std::string& mark,
                       const std::vector<int>& numbers);
 
