@@ -35,13 +35,13 @@ struct DemoPage {
   std::string text;
 };
 
-class Report : public testing::TestWithParam<ServerKind> {
+class DemoReport : public testing::TestWithParam<ServerKind> {
  protected:
   DemoPage page_{GetParam()};
   PageReader reader_{page_.text};
 };
 
-INSTANTIATE_TEST_SUITE_P(Servers, Report, test_support::main_servers(), test_support::server_name);
+INSTANTIATE_TEST_SUITE_P(Servers, DemoReport, test_support::main_servers(), test_support::server_name);
 
 Rows body(Rows rows) {
   std::erase_if(rows, [](const auto& row) { return row.front() == "sample" || row.front() == "key"; });
@@ -60,7 +60,7 @@ std::vector<double> column_of(const DemoPage& page, Member Table::*column, const
   return found;
 }
 
-TEST_P(Report, holds_every_part_with_a_link_to_it) {
+TEST_P(DemoReport, holds_every_part_with_a_link_to_it) {
   for (const char* part : {"measurements", "samples", "history", "calendar", "schedules", "tree"}) {
     EXPECT_GT(reader_.text(part).size(), 100U) << part;
     EXPECT_NE(page_.text.find(std::string("<a href=\"#") + part + "\">"), std::string::npos) << part;
@@ -69,7 +69,7 @@ TEST_P(Report, holds_every_part_with_a_link_to_it) {
   EXPECT_EQ(reader_.named("article", "samples").size(), 3U);
 }
 
-TEST_P(Report, needs_nothing_beside_itself) {
+TEST_P(DemoReport, needs_nothing_beside_itself) {
   for (const char* outside :
        {"http:", "https:", "src=", "url(", "@import", "<script", "<link", "<iframe", "javascript"})
     EXPECT_EQ(page_.text.find(outside), std::string::npos) << outside;
@@ -81,7 +81,7 @@ TEST_P(Report, needs_nothing_beside_itself) {
   }
 }
 
-TEST_P(Report, shows_the_values_that_the_database_holds) {
+TEST_P(DemoReport, shows_the_values_that_the_database_holds) {
   const auto values = column_of(page_, &CRSVariable::varvalue, "SAMPID, PIECENO");
   const Rows rows = body(reader_.rows("chart-1-1"));
   ASSERT_EQ(rows.size(), 40U);
@@ -90,7 +90,7 @@ TEST_P(Report, shows_the_values_that_the_database_holds) {
     EXPECT_EQ(std::stod(rows[i / 5].at(3 + i % 5)), values[i]) << i;
 }
 
-TEST_P(Report, shows_the_totals_and_the_counts_that_the_database_holds) {
+TEST_P(DemoReport, shows_the_totals_and_the_counts_that_the_database_holds) {
   const auto failed = column_of(page_, &CRSDEFTOT::nfail, "SAMPID");
   const auto inspected = column_of(page_, &CRSDEFTOT::ssize, "SAMPID");
   const Rows totals = body(reader_.rows("chart-2-1"));
@@ -109,7 +109,7 @@ TEST_P(Report, shows_the_totals_and_the_counts_that_the_database_holds) {
     EXPECT_EQ(std::stod(defects[i].at(2)), counts[i]) << i;
 }
 
-TEST_P(Report, draws_each_value_once_and_marks_what_is_outside) {
+TEST_P(DemoReport, draws_each_value_once_and_marks_what_is_outside) {
   EXPECT_EQ(reader_.count("circle", "piece"), 200U);
   EXPECT_EQ(reader_.count("circle", "mean-mark"), 37U);
   const std::string rings = reader_.text("chart-1-1");
@@ -119,7 +119,7 @@ TEST_P(Report, draws_each_value_once_and_marks_what_is_outside) {
   EXPECT_EQ(reader_.named("rect", "chart-3-1").size(), 46U);
 }
 
-TEST_P(Report, says_by_which_rule_the_limits_were_computed) {
+TEST_P(DemoReport, says_by_which_rule_the_limits_were_computed) {
   EXPECT_NE(reader_.text("chart-1-1")
                 .find("mean of the sample means ± A2 × mean range = 74.0012 ± 0.577 × 0.0228, from the 25 samples with "
                       "Phase “set-up”. A2 is for samples of 5 pieces. NIST/SEMATECH e-Handbook of Statistical Methods, "
@@ -132,13 +132,13 @@ TEST_P(Report, says_by_which_rule_the_limits_were_computed) {
   EXPECT_NE(reader_.text("chart-3-1").find("6.3.3.1."), std::string::npos);
 }
 
-TEST_P(Report, shows_the_first_sample_of_each_profile_as_a_grid) {
+TEST_P(DemoReport, shows_the_first_sample_of_each_profile_as_a_grid) {
   const Rows rows = reader_.rows("samples");
   ASSERT_EQ(rows.size(), 3U + 5 + 1 + 1);
   EXPECT_EQ(rows[1], (std::vector<std::string>{"1", "set-up", "2024-03-04 06:00:00", "74.03", "bore gauge A"}));
 }
 
-TEST_P(Report, tells_the_history_with_its_approvals) {
+TEST_P(DemoReport, tells_the_history_with_its_approvals) {
   EXPECT_EQ(reader_.named("li", "history").size(), 5U);
   EXPECT_EQ(reader_.count("svg", "mark approved"), 2U);
   const std::string told = reader_.text("history");
@@ -148,7 +148,7 @@ TEST_P(Report, tells_the_history_with_its_approvals) {
       << told;
 }
 
-TEST_P(Report, reckons_the_ranges_from_its_moment_with_weeks_from_monday) {
+TEST_P(DemoReport, reckons_the_ranges_from_its_moment_with_weeks_from_monday) {
   const Rows rows = body(reader_.rows("calendar"));
   ASSERT_EQ(rows.size(), 9U);
   EXPECT_EQ(rows[2],
@@ -162,7 +162,7 @@ TEST_P(Report, reckons_the_ranges_from_its_moment_with_weeks_from_monday) {
   EXPECT_EQ(reader_.named("figcaption", "calendar")[0].text(), "February 2024");
 }
 
-TEST_P(Report, says_schedules_in_sentences_with_their_next_moments) {
+TEST_P(DemoReport, says_schedules_in_sentences_with_their_next_moments) {
   const std::string told = reader_.text("schedules");
   EXPECT_NE(told.find("At 8:00:00 AM every Mon, Wed, Fri of every week"), std::string::npos) << told;
   EXPECT_NE(told.find("Mon 18 Mar 2024, 08:00Wed 20 Mar 2024, 08:00"), std::string::npos) << told;
@@ -170,13 +170,13 @@ TEST_P(Report, says_schedules_in_sentences_with_their_next_moments) {
       << "daily, on five days, seven times on nine days and four times today, and not in this fortnight";
 }
 
-TEST_P(Report, shows_the_tree) {
+TEST_P(DemoReport, shows_the_tree) {
   const std::string told = reader_.text("tree");
   EXPECT_NE(told.find("Filling / packingfolder 5"), std::string::npos) << told;
   EXPECT_NE(told.find("6 folders, 4 monitors, 3 profiles."), std::string::npos) << told;
 }
 
-TEST_P(Report, is_the_same_page_at_the_same_moment) {
+TEST_P(DemoReport, is_the_same_page_at_the_same_moment) {
   const std::string again = page_.folder.file("again.html");
   report_test::write_demo_page(page_.database.connect_text(), again);
   EXPECT_EQ(report_test::content_of(again), page_.text);

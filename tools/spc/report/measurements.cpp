@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <cmath>
 #include <limits>
-#include <ranges>
 
 #include "spcbase/dataentry/sample.h"
 #include "tools/spc/layout.h"
@@ -107,14 +106,15 @@ std::size_t Series::pieces() const {
 
 Measurements read_measurements(Link& link, const ReportedProfile& profile) {
   Measurements found{profile, profile_name(link, profile.id), 0, {}};
-  const auto lines = list_samples(link, profile.id, std::numeric_limits<std::size_t>::max());
+  auto lines = list_samples(link, profile.id, std::numeric_limits<std::size_t>::max());
+  std::ranges::reverse(lines);
   found.samples = lines.size();
   doing("cannot read the measurements of " + found.name, [&] {
     oldde::DEHelper helper;
     const long result = helper.load_from_db(link.engine(), link.db(), 0, 0, profile.id);
     if (result < 0) throw result;
     Plan plan = plan_of(helper, profile.phases);
-    for (const auto& line : std::views::reverse(lines)) {
+    for (const auto& line : lines) {
       double date = 0;
       const Grid grid(
           helper.get_data(link.engine(), link.db(), static_cast<int>(line.sample), profile.id, 0, 0, 0, &date));
