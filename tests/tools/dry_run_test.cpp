@@ -5,13 +5,14 @@
 //   db create and demo: nothing is made; where the server commits by itself the statements are told and none is sent;
 //     rev reset there tells those that the real one sends
 //   JSON: the command's own inside; null where nothing was tried
-//   Failing commands leave nothing and tell nothing of what stands; each failing call into the driver leaves nothing
-//   What cannot be taken back is not tried: a driver without transactions, a table without them, servers by kind
-//   Statements are read for their tables; what the driver does not count is unknown
+//   Failing and interrupted commands leave nothing and tell nothing of what stands; each failing call into the driver
+//   leaves nothing What cannot be taken back is not tried: a driver without transactions, a table without them, servers
+//   by kind Statements are read for their tables; what the driver does not count is unknown
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <csignal>
 #include <filesystem>
 #include <fstream>
 #include <iterator>
@@ -243,7 +244,7 @@ TEST_P(DryRuns, of_a_new_demo_keep_the_old_one) {
   EXPECT_EQ(dump(), before);
   EXPECT_EQ(tried.status, 0) << tried;
   if (GetParam() == ServerKind::mariadb)
-    EXPECT_TRUE(tried.says("These statements would be sent:\n  DROP VIEW")) << tried;
+    EXPECT_TRUE(tried.says("These statements would be sent:\n  DROP VIEW") && tried.says("\n  CREATE TABLE ")) << tried;
   else
     EXPECT_EQ(counted(tried.out).at("CSSAMP"), (Counts{140, 0, 0})) << tried;
 }
@@ -265,6 +266,26 @@ TEST_P(DryRuns, that_fail_leave_nothing_and_speak_of_nothing_that_stands) {
   const Answer real = run({"source", "rewrite"});
   EXPECT_EQ(real.status, 1);
   EXPECT_EQ(before_told(rewrite.out), real.out);
+}
+
+TEST_P(DryRuns, leave_nothing_when_they_are_interrupted) {
+  std::ofstream rings(file("many.csv"));
+  rings << "sample,piece,Diameter\n";
+  for (int sample = 1; sample <= 1000; ++sample)
+    for (int piece = 1; piece <= 5; ++piece)
+      rings << sample << ',' << piece << ",74.0\n";
+  rings.close();
+  auto line = line_for("sample import");
+  std::ranges::replace(line, file("rings.csv"), file("many.csv"));
+  line.insert(line.end(), {"--dry-run", "--progress", "line"});
+  const Dump before = dump();
+  const Answer answer = command_test::run_and_signal(on_database(line), ": 100 of 1000", {SIGINT});
+  EXPECT_EQ(answer.status, 130) << answer;
+  EXPECT_TRUE(answer.out.starts_with(told)) << answer;
+  EXPECT_GE(counted(answer.out)["CSSAMP"].inserted, 100) << answer;
+  EXPECT_TRUE(answer.complains("spc: interrupted: nothing was changed\n")) << answer;
+  EXPECT_FALSE(answer.complains("stand")) << answer;
+  EXPECT_EQ(dump(), before);
 }
 
 TEST_P(DryRuns, leave_nothing_when_any_call_into_the_driver_fails) {
@@ -361,6 +382,8 @@ TEST(DryRunsOfFiles, make_none) {
   run({"demo", "--keep", folder.file("kept.db"), "--report", folder.file("report.html")});
   const std::string braced = "sqlite:{" + folder.file("a;b.db") + "};Create=1";
   EXPECT_TRUE(run({"--connect", braced, "db", "create"}).says("Created "));
+  for (const char* option : {";Create=2", ";Timeout=9; create = 1", ";Create={1};Timeout=9"})
+    EXPECT_TRUE(run({"--connect", "sqlite:" + folder.file("new.db") + option, "db", "create"}).says("Created "));
   EXPECT_EQ(command_test::run({"--connect", "sqlite:" + folder.file("no/new.db"), "db", "create", "--dry-run"}).status,
             1)
       << "as the real one, since there is no folder";

@@ -127,7 +127,7 @@ TEST_P(SourcePassword, needs_a_connection_string_to_stand_in) {
   EXPECT_EQ(value("SELECT COUNT(*) FROM CSEXDB"), "0");
 }
 
-/// Somebody who sits at a terminal and types when the echo is off.
+/// Somebody who sits at a terminal and types when the echo is off. Without a text nobody is to be asked.
 class Typist {
  public:
   explicit Typist(std::string text) : master_(::posix_openpt(O_RDWR | O_NOCTTY | O_CLOEXEC)), text_(std::move(text)) {
@@ -173,8 +173,10 @@ class Typist {
   void type() const {
     while (echoes() && !ended_)
       std::this_thread::sleep_for(std::chrono::milliseconds(1));
-    EXPECT_FALSE(ended_) << "nobody was asked";
-    EXPECT_EQ(::write(master_, text_.data(), text_.size()), static_cast<ssize_t>(text_.size()));
+    EXPECT_EQ(ended_, text_.empty()) << (ended_ ? "nobody was asked" : "somebody was asked");
+    if (ended_) return;
+    const std::string typed = text_.empty() ? "\n" : text_;
+    EXPECT_EQ(::write(master_, typed.data(), typed.size()), static_cast<ssize_t>(typed.size()));
   }
 
   int master_;
@@ -203,6 +205,14 @@ TEST_P(SourceTerminal, asks_for_the_password_and_shows_nothing_of_it) {
   EXPECT_EQ(typist.shown(), "");
   EXPECT_TRUE(typist.echoes());
   EXPECT_EQ(clear_connection_of(1), "DSN=wh;UID=anna;PWD={s;same}");
+}
+
+TEST_P(SourceTerminal, is_not_asked_by_a_dry_run) {
+  Typist nobody("");
+  const Answer tried = typed(nobody, {"add", "Warehouse", "--connection-string", "DSN=wh;UID=anna", "--dry-run"});
+  EXPECT_EQ(tried.status, 0) << tried;
+  EXPECT_EQ(tried.err, "");
+  EXPECT_TRUE(tried.out.starts_with("Added data source 1 Warehouse (OLE DB), with a password\nDry run: ")) << tried;
 }
 
 TEST_P(SourceTerminal, takes_an_empty_line_for_no_password) {

@@ -97,6 +97,7 @@ void make_room_for_demo(Link& link) {
   if (doing(cannot_run, [&] { return sample_count(link); }) > demo_samples)
     throw Problem{cannot_run, "the database of an earlier demo holds samples that are not the demo's",
                   "Name an empty database."};
+  if (link.only_plans_schema()) link.before_schema_change(renewal_statements(link));
   drop_schema(link);
 }
 

@@ -61,6 +61,17 @@ std::string lower(std::string_view text) {
   return low;
 }
 
+/// Whether the options behind an SQLite file have it made when it is missing: Create with any number but 0.
+bool says_create(const std::string& options) {
+  std::string plain = lower(options);
+  std::erase_if(plain, [](char c) { return std::isspace(static_cast<unsigned char>(c)) != 0; });
+  constexpr std::string_view key = ";create=";
+  const auto at = plain.find(key);
+  if (at == std::string::npos) return false;
+  const std::string value = plain.substr(at + key.size(), plain.find(';', at + 1) - at - key.size());
+  return value.find_first_not_of('0') != std::string::npos;
+}
+
 /// Whether an SQLite file that is missing could be made. The command makes the folder of its own database.
 bool can_be_made(const fs::path& file) {
   std::error_code ignored;
@@ -73,9 +84,10 @@ bool can_be_made(const fs::path& file) {
 
 std::string connect_text_for_dry_run(const std::string& connect_text) {
   if (!lower(connect_text).starts_with(scheme)) return connect_text;
-  const auto [file, options] = parted(std::string_view(connect_text).substr(scheme.size()));
+  auto [file, options] = parted(std::string_view(connect_text).substr(scheme.size()));
+  std::ranges::replace(file, '\\', '/');
   std::error_code ignored;
-  const bool would_be_made = lower(options).find(";create=1") != std::string::npos && !fs::exists(file, ignored);
+  const bool would_be_made = says_create(options) && !fs::exists(file, ignored);
   // Where it cannot be made, opening it fails as in the real run.
   return would_be_made && can_be_made(file) ? "sqlite::memory:" : connect_text;
 }

@@ -116,6 +116,14 @@ std::size_t create_schema(Link& link) {
   return schema::required_objects().size();
 }
 
+std::vector<std::string> renewal_statements(Link& link) {
+  const schema::Server server = known_server(link, "cannot renew the schema");
+  auto all = schema::drop_statements(server);
+  const auto then = schema::create_statements(server);
+  all.insert(all.end(), then.begin(), then.end());
+  return all;
+}
+
 void drop_schema(Link& link) {
   const std::string what = "cannot drop the schema";
   const schema::Server server = known_server(link, what);

@@ -28,6 +28,9 @@ SchemaState inspect_schema(Link& link);
 /// Fails: Problem; also when something of the schema stands there already, which stays as it is.
 std::size_t create_schema(Link& link);
 
+/// What dropping the schema and creating it again send.
+std::vector<std::string> renewal_statements(Link& link);
+
 /// Drops the whole schema with everything in it.
 void drop_schema(Link& link);
 

@@ -41,7 +41,7 @@ class Words {
   std::string quoted() {
     const char open = taken();
     const auto end = std::min(rest_.find(open == '[' ? ']' : open), rest_.size());
-    const std::string name(rest_.substr(0, end));
+    std::string name(rest_.substr(0, end));
     rest_.remove_prefix(std::min(end + 1, rest_.size()));
     return name;
   }
