@@ -27,10 +27,14 @@ struct Shape {
     array,     ///< of `parts.front()`
     any_of,    ///< any of `parts`
     self       ///< as the object around it whose name stands in `words`
-  } kind = Kind::text;
-  std::vector<std::string> words = {};
-  std::vector<Property> properties = {};
-  std::vector<Shape> parts = {};
+  };
+
+  Shape(Kind shape_kind, std::vector<std::string> shape_words = {});
+
+  Kind kind;
+  std::vector<std::string> words;
+  std::vector<Property> properties;
+  std::vector<Shape> parts;
 };
 
 /// A member of an object, and what may stand there.
@@ -45,18 +49,31 @@ struct Property {
 
 using Properties = std::vector<Property>;
 
+// Here, since a list of properties can be made only when it is known what a property is.
+inline Shape::Shape(Kind shape_kind, std::vector<std::string> shape_words)
+    : kind(shape_kind), words(std::move(shape_words)) {}
+
 namespace shapes {
 
-inline Shape text() { return {Shape::Kind::text}; }
-inline Shape integer() { return {Shape::Kind::integer}; }
-inline Shape number() { return {Shape::Kind::number}; }
-inline Shape boolean() { return {Shape::Kind::boolean}; }
+inline Shape text() { return Shape::Kind::text; }
+inline Shape integer() { return Shape::Kind::integer; }
+inline Shape number() { return Shape::Kind::number; }
+inline Shape boolean() { return Shape::Kind::boolean; }
 inline Shape constants(std::vector<std::string> words) { return {Shape::Kind::constant, std::move(words)}; }
-inline Shape object(Properties properties) { return {Shape::Kind::object, {}, std::move(properties)}; }
-inline Shape map_of(Shape value) { return {Shape::Kind::map, {}, {}, {std::move(value)}}; }
-inline Shape array(Shape item) { return {Shape::Kind::array, {}, {}, {std::move(item)}}; }
-inline Shape any_of(std::vector<Shape> parts) { return {Shape::Kind::any_of, {}, {}, std::move(parts)}; }
-inline Shape nullable(Shape value) { return any_of({std::move(value), {Shape::Kind::nothing}}); }
+inline Shape object(Properties properties) {
+  Shape shape(Shape::Kind::object);
+  shape.properties = std::move(properties);
+  return shape;
+}
+inline Shape with_parts(Shape::Kind kind, std::vector<Shape> parts) {
+  Shape shape(kind);
+  shape.parts = std::move(parts);
+  return shape;
+}
+inline Shape map_of(Shape value) { return with_parts(Shape::Kind::map, {std::move(value)}); }
+inline Shape array(Shape item) { return with_parts(Shape::Kind::array, {std::move(item)}); }
+inline Shape any_of(std::vector<Shape> parts) { return with_parts(Shape::Kind::any_of, std::move(parts)); }
+inline Shape nullable(Shape value) { return any_of({std::move(value), Shape::Kind::nothing}); }
 /// The shape around it with this name, for what holds more of its own kind.
 inline Shape itself(std::string name) { return {Shape::Kind::self, {std::move(name)}}; }
 /// Gives a shape a name that `itself` can speak of.
