@@ -81,12 +81,12 @@ TEST(Schemas, are_json_with_known_keywords_alone) {
 }
 
 TEST(Schemas, tell_every_kind_of_fault) {
-  EXPECT_EQ(fault("db create", R"({"database": "x", "objects": 89})"), "");
-  EXPECT_EQ(fault("db create", R"({"database": "x"})"), "$ has no objects");
-  EXPECT_EQ(fault("db create", R"({"database": "x", "objects": 8.5})"), "$.objects is no integer");
-  EXPECT_EQ(fault("db create", R"({"database": 1, "objects": 8})"), "$.database is no string");
-  EXPECT_EQ(fault("db create", R"({"database": "x", "objects": 8, "more": 1})"), "$.more is not in the schema");
-  EXPECT_EQ(fault("db create", "[]"), "$ is no object");
+  EXPECT_EQ(fault("settings get", R"({"key": "x", "bytes": 89})"), "");
+  EXPECT_EQ(fault("settings get", R"({"key": "x"})"), "$ has no bytes");
+  EXPECT_EQ(fault("settings get", R"({"key": "x", "bytes": 8.5})"), "$.bytes is no integer");
+  EXPECT_EQ(fault("settings get", R"({"key": 1, "bytes": 8})"), "$.key is no string");
+  EXPECT_EQ(fault("settings get", R"({"key": "x", "bytes": 8, "more": 1})"), "$.more is not in the schema");
+  EXPECT_EQ(fault("settings get", "[]"), "$ is no object");
   EXPECT_EQ(fault("settings list", R"([{"key": "a", "bytes": 1, "text": "x"}])"), "");
   EXPECT_EQ(fault("settings list", R"([{"key": "a", "bytes": 1, "text": null}])"), "$[0].text is no string");
 }
