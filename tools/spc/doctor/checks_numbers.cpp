@@ -8,8 +8,7 @@ namespace spc::doctor {
 namespace {
 
 std::string told(const NumberState& state) {
-  std::string highest =
-      "the highest id of " + std::string(state.number.table) + " is " + std::to_string(state.highest);
+  std::string highest = "the highest id of " + std::string(state.number.table) + " is " + std::to_string(state.highest);
   if (state.rows == 0) return highest;
   return "MAXNO is " + std::to_string(state.maxno) + (state.rows > 1 ? " at most, in " + state.verdict() : "") + "; " +
          highest;
