@@ -69,8 +69,8 @@ TEST(Completion, offers_the_values_that_there_are) {
 class Files : public testing::Test {
  protected:
   Files() {
-    std::ofstream(folder_.file("rings.csv"));
-    std::ofstream(folder_.file(".hidden"));
+    for (const char* name : {"rings.csv", ".hidden"})
+      std::ofstream(folder_.file(name)) << "";
     std::filesystem::create_directory(folder_.file("rings"));
     std::ofstream(folder_.file("rings/more.csv"));
   }
