@@ -445,7 +445,7 @@ TEST_F(DryRunsElsewhere, say_what_went_wrong) {
     spc::DryRun dry_run;
     script_->information(46, 0, 3);
     dry_run.begin(connection, std::nullopt);
-    static_cast<void>(guarded([&] { connection.ExecuteSQL(statement); }));
+    static_cast<void>(guarded([&, text = statement] { connection.ExecuteSQL(text); }));
     dry_run.end(connection);
     ASSERT_TRUE(dry_run.doubt()) << statement;
     EXPECT_THAT(dry_run.doubt()->why, HasSubstr(why));
