@@ -39,7 +39,8 @@ class AsUser : public command_test::OnDatabase {
   }
   std::vector<double> profiles_in_tree(const std::string& user) {
     std::vector<double> ids;
-    for (const auto& profile : json_check::parse(as(user, {"--json", "tree", "/Plant"}).out)["tree"]["profiles"].items)
+    const auto answer = json_check::parse(as(user, {"--json", "tree", "/Plant"}).out);
+    for (const auto& profile : answer["tree"]["profiles"].items)
       ids.push_back(profile["id"].number);
     return ids;
   }
