@@ -186,6 +186,9 @@ TEST(read_hidden_line, reads_what_is_typed_and_shows_nothing_of_it) {
 TEST(read_hidden_line, does_not_take_what_was_typed_before_the_question) {
   const PseudoTerminal pseudo;
   pseudo.type("early\n");
+  // What is typed arrives a moment later.
+  pollfd arrival{pseudo.terminal(), POLLIN, 0};
+  ASSERT_EQ(::poll(&arrival, 1, 10'000), 1);
   std::string line;
   platform::read_hidden_line(
       pseudo.terminal(), [&] { pseudo.type("answer\n"); }, line);
