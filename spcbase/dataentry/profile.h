@@ -83,17 +83,17 @@ class SPCBASE_API CProfileCache : public CProfileInfoColl {
 SPCBASE_API int GetLabelIDFromName(CDatabase* db, const char* name);
 
 /// Appends the auto labels of a profile (those whose value the system supplies), in their order in the profile.
-/// Returns  false only when there is no open connection.
+/// Returns false only when there is no open connection.
 SPCBASE_API bool get_auto_label(CDatabase* db, int profile, std::vector<int>& labels);
 
 /// Appends the profiles that hold a characteristic; one that the vector already holds is not repeated.
 /// Kept:    the name says the reverse.
-/// Returns  false only when there is no open connection.
+/// Returns false only when there is no open connection.
 SPCBASE_API bool get_char_in_prof(CDatabase* db, int characteristic, std::vector<int>& profiles);
 
 /// Reads the elements of a profile in their order, without the labels whose value the system supplies. Elements of
 /// equal `SEQNO` have no defined order between them.
-/// Returns  false when there is no open connection; the elements are gone then.
+/// Returns false when there is no open connection; the elements are gone then.
 SPCBASE_API bool GetCharsAndLabelsArray(const SPCLib::IQsmSPCPtr& engine, CDatabase& db, long profile,
                                         CProfileInfoColl& elements);
 

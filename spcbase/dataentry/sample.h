@@ -70,7 +70,7 @@ class SPCBASE_API DEHelper : public CProfileCache {
 
   /// Creates a sample and its approval record, or (deferred) only announces one.
   /// Units:   `date` is a local day number, as in COleDateTime; 0.0 is now.
-  /// Returns  the sample; when deferred, a number of this process that is no sample yet.
+  /// Returns the sample; when deferred, a number of this process that is no sample yet.
   long new_sample(const SPCLib::IQsmSPCPtr& engine, CDatabase* db, double date, long profile, long revision,
                   bool deferred, const CString& user);
 
@@ -78,7 +78,7 @@ class SPCBASE_API DEHelper : public CProfileCache {
   /// every other number has its data replaced. The number of rows is the grid's own.
   /// `sample` in: 0 or the sample; out: the sample. `date` receives its local time to the second (null: not wanted).
   /// With revision 0 the current profile is loaded; with another the cache is used as it stands.
-  /// Returns  true when the sample was created.
+  /// Returns true when the sample was created.
   bool set_data(const SPCLib::IQsmSPCPtr& engine, CDatabase& db, long* sample, int profile, long revision, int station,
                 int user, const CString& user_name, SAFEARRAY** grid, double* date);
 

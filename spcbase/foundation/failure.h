@@ -101,13 +101,13 @@ SPCBASE_API CString get_exception_error_message(CException* exception);
 
 /// Takes the thread's automation error object, which clears it.
 /// Null:    `guid` may be null.
-/// Returns  false when there is no object; nothing is written then. A text that the object does not give stays as it
+/// Returns false when there is no object; nothing is written then. A text that the object does not give stays as it
 /// was.
 SPCBASE_API bool get_err_info_data(CString& description, CString& source, _GUID* guid);
 
 /// Makes an automation error object and publishes it as the thread's current one.
 /// Null:    each argument may be: what is not given is not set. The source is the programmatic id of `class_id`.
-/// Returns  the result code of the creation, and the object (null when it failed), of which the pair owns a reference.
+/// Returns the result code of the creation, and the object (null when it failed), of which the pair owns a reference.
 SPCBASE_API std::pair<long, ATL::CComPtr<IErrorInfo>> create_err_object(const _GUID* class_id,
                                                                         const _GUID* interface_id,
                                                                         const char* description);

@@ -51,12 +51,12 @@ SPCBASE_API bool operator<(const tagTIMESTAMP_STRUCT& left, const tagTIMESTAMP_S
 SPCBASE_API bool operator==(const tagTIMESTAMP_STRUCT& left, const tagTIMESTAMP_STRUCT& right);
 
 /// Converts between local time of the current zone and UTC, in place. The date converted selects the zone's rule.
-/// Returns  false, and leaves the fields alone, when they cannot be converted.
+/// Returns false, and leaves the fields alone, when they cannot be converted.
 SPCBASE_API bool to_utc(_SYSTEMTIME& moment);
 SPCBASE_API bool to_local(_SYSTEMTIME& moment);
 
 /// The same for a moment of whole seconds.
 /// Kept:    a conversion that the platform refuses leaves the value as it is and still gives true.
-/// Returns  false, and leaves the moment alone, when it is not valid or cannot be split into fields.
+/// Returns false, and leaves the moment alone, when it is not valid or cannot be split into fields.
 SPCBASE_API bool to_utc(COleDateTime& moment);
 SPCBASE_API bool to_local(COleDateTime& moment);

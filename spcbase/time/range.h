@@ -69,7 +69,7 @@ class SPCBASE_API DateTimeRange {
   /// today at 23:59:59; hours, minutes and seconds end at the present moment.
   /// Kept:    the last weeks begin at 23:59:59 on the first day of their first week, since `GetLastNWeek` keeps the
   ///          time of day. A unit outside the table leaves `from` and sets `to`.
-  /// Returns  false, and changes nothing, for a type outside the table. A present that cannot be read shows as status
+  /// Returns false, and changes nothing, for a type outside the table. A present that cannot be read shows as status
   ///          invalid of the moments.
   bool Recalculate(const DateTimeCalculation& calculation);
   /// Reckons them as `Recalculate` would have done at another moment: to show what a choice means on a day to come, or
@@ -81,7 +81,7 @@ class SPCBASE_API DateTimeRange {
   /// Reads a line: one of the twelve keywords, "fixed_range MOMENT MOMENT", or "last NUMBER UNIT". Words are parted by
   /// blanks; what follows the end of a line is passed over. A moment is a date as the user writes it, each '#' a blank.
   /// The number is read like `atoi`; the unit in any case of letters. A named period is not reckoned.
-  /// Returns  false, with the range as it was, for everything else.
+  /// Returns false, with the range as it was, for everything else.
   bool parse(const CString& line);
   /// The line. Empty for a type outside the table; a unit outside it leaves its word out.
   CString to_string() const;

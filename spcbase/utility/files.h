@@ -25,7 +25,7 @@ SPCBASE_API bool RemoveExt(CString& path);
 /// A path that ends in a separator loses that one and nothing else; a path without a folder stays as it is.
 /// Kept:    the separator before the name stays when its index is 2 or less. So the root of a drive keeps it
 ///          ("C:\a.txt" gives "C:\", "/a.txt" gives "/"), and so does a short folder ("ab/c" gives "ab/").
-/// Returns  true.
+/// Returns true.
 SPCBASE_API bool RemoveFileNameAndExt(CString& path);
 
 /// Leaves the name of a path. A path that ends in a separator becomes empty. Returns true.
@@ -86,7 +86,7 @@ SPCBASE_API CString get_temp_file(const char* folder, const char* prefix);
 /// Builds a name that nobody else has, folder, prefix and a new identifier, "/tmp/spc0d8a6f3e-....TMP".
 /// Kept:    no file is made, whatever the name says; and an empty folder gives a name in the root.
 /// Null:    counts as an empty text.
-/// Returns  empty when no identifier could be made.
+/// Returns empty when no identifier could be made.
 SPCBASE_API CString create_uuid_tmp_file(const char* folder, const char* prefix);
 
 /// The folder for the user's own files: "Temp" in the folder for the data of programs, where that is there, else that

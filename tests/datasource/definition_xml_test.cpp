@@ -281,6 +281,35 @@ TYPED_TEST(Definition_reading, a_syntax_that_others_hold_is_replaced_and_not_ove
 }
 
 // Kept: ADO.NET definitions too are told that the text is "not OLE DB".
+/// A definition of id 7 that read these elements.
+OLEDBInfo read_elements(int version, const std::string& elements) {
+  OLEDBInfo info;
+  info.id = 7;
+  info.set_xml(
+      CString("<external_database version=\"" + std::to_string(version) + "\">" + elements + "</external_database>"));
+  return info;
+}
+
+TEST(OLEDBInfo_reading, a_connection_string_of_version_2_is_taken_as_it_stands) {
+  EXPECT_EQ(read_elements(2, "<connection_string>DSN=a;PWD=b</connection_string>").connection_string, "DSN=a;PWD=b");
+}
+
+TEST(OLEDBInfo_reading, of_both_connection_elements_the_later_one_in_the_document_counts) {
+  const std::string old_element = "<connection_string>DSN=old</connection_string>";
+  const std::string new_element =
+      "<connection_string_2>" + enciphered("DSN=new", "259") + "</connection_string_2>";  // 7 times 37
+  EXPECT_EQ(read_elements(2, old_element + new_element).connection_string, "DSN=new");
+  EXPECT_EQ(read_elements(2, new_element + old_element).connection_string, "DSN=old");
+}
+
+TEST(OLEDBInfo_reading, the_old_quote_followed_by_a_suffix_leaves_each_its_own) {
+  const OLEDBInfo info = read_elements(4, "<identifier_quote>[</identifier_quote><quote_suffix>]</quote_suffix>");
+  EXPECT_EQ(info.quote_prefix, "[");
+  EXPECT_EQ(info.quote_suffix, "]");
+  const OLEDBInfo turned = read_elements(4, "<quote_suffix>]</quote_suffix><identifier_quote>[</identifier_quote>");
+  EXPECT_EQ(turned.quote_suffix, "[") << "the later one counts";
+}
+
 TYPED_TEST(Definition_reading, a_definition_of_the_other_kind_is_refused_in_the_same_words_on_purpose) {
   using Other = std::conditional_t<std::is_same_v<TypeParam, OLEDBInfo>, ADONETDBInfo, OLEDBInfo>;
   TypeParam info;

@@ -2,6 +2,7 @@
 
 #include "spcbase/foundation/failure.h"
 #include "spcbase/foundation/schema/column_table.h"
+#include "spcbase/foundation/schema/tree.h"
 #include "spcbase/platform/automation/bstr_t.h"
 #include "tools/engine/reference_engine.h"
 
@@ -108,18 +109,6 @@ class MonitorRow : public TableRecordset<MonitorRow> {
   static constexpr auto columns =
       coltab::table(coltab::key("[MONID]", &MonitorRow::monid), coltab::field("[NAME]", &MonitorRow::name, 255),
                     coltab::field("[DESCR]", &MonitorRow::descr, 255));
-};
-
-class FolderRow : public TableRecordset<FolderRow> {
- public:
-  using TableRecordset::TableRecordset;
-  long nodeid = 0;
-  CString name;
-  long pnode = 0;
-  static constexpr const char* source = "[CSNODE]";
-  static constexpr auto columns =
-      coltab::table(coltab::key("[NODEID]", &FolderRow::nodeid), coltab::field("[NAME]", &FolderRow::name, 255),
-                    coltab::field("[PNODE]", &FolderRow::pnode));
 };
 
 class GroupRow : public TableRecordset<GroupRow> {
@@ -284,7 +273,7 @@ int Builder::add_group() {
 
 int Builder::add_folder(const std::string& name, int parent) {
   const int id = next(u"CSNDRN");
-  add<FolderRow>(db_, [&](FolderRow& row) {
+  add<RSNode2>(db_, [&](RSNode2& row) {
     row.nodeid = id;
     row.name = name;
     row.pnode = parent;

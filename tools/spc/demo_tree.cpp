@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "spcbase/tree/path.h"
+#include "tools/spc/object_paths.h"
 #include "tools/spc/problem.h"
 #include "tools/spc/revisions.h"
 #include "tools/spc/table.h"
@@ -36,11 +37,6 @@ const rev::RevisionBaseInfo* revision_for(int asked, const std::vector<rev::Revi
   return found == history.end() ? nullptr : &*found;
 }
 
-std::string asked_text(int revision) {
-  if (revision == 0) return "latest";
-  return revision == latest_approved_revision ? "latest approved" : std::to_string(revision);
-}
-
 [[noreturn]] void differ(const Wanted& wanted, const std::string& how) {
   throw Problem{"the demo failed", std::string("the path ") + wanted.path + " " + how,
                 "The database did not keep what was saved: please report this with the server's name and version."};
@@ -54,7 +50,7 @@ FoundByPath find_one(CDatabase& db, const Wanted& wanted, const std::vector<rev:
   const CString path = folder + CString(determine_sep_char(folder, '/')) + name;
   const int id = wanted.is_profile ? get_prof_id_from_path(&db, path) : get_mon_id_from_path(&db, path);
   if (id != wanted.object.id) differ(wanted, "leads to " + std::to_string(id));
-  FoundByPath found{wanted.path, wanted.is_profile ? "profile" : "monitor", id, asked_text(asked), {}};
+  FoundByPath found{wanted.path, wanted.is_profile ? "profile" : "monitor", id, asked_revision_text(asked), {}};
   if (!wanted.has_history) return found;
   const auto* revision = revision_for(asked, history);
   if (revision == nullptr) differ(wanted, "asks for a revision that there is not");

@@ -6,15 +6,10 @@
 #include "spcbase/utility/text.h"
 #include "tools/spc/problem.h"
 #include "tools/spc/utf8.h"
+#include "tools/spc/words.h"
 
 namespace spc {
 namespace {
-
-CString literal(const CString& name) {
-  CString text = name;
-  text.Replace("'", "''");
-  return "'" + text + "'";
-}
 
 bool same_name(const CString& stored, const CString& wanted) {
   CString name = fix_spc_name(stored, false);
@@ -26,7 +21,7 @@ std::optional<Folder> child_of(Link& link, int parent, const CString& name, cons
   CString filter;
   filter.Format("PNODE = %d AND %s", parent, flag_condition);
   FolderRow rows(&link.db());
-  requery_rs_for_read(rows, filter + " AND NAME = " + literal(name), true);
+  requery_rs_for_read(rows, filter + CString(" AND NAME = " + sql_literal(name.view())), true);
   if (!rows.m_bEOF) return rows.folder();
   CString wanted = name;
   wanted.Trim();

@@ -225,6 +225,11 @@ const char* word_of(ObjectKind kind) {
   return "folder";
 }
 
+std::string asked_revision_text(int revision) {
+  if (revision == 0) return "latest";
+  return revision == latest_approved_revision ? "latest approved" : std::to_string(revision);
+}
+
 PathAnswer find_objects(Link& link, const PathQuestion& question) {
   if (trimmed(question.path).empty()) throw Problem{"cannot find a path", "it is empty", "The root is /.", exit_misuse};
   const int id = plain_number(trimmed(question.path));

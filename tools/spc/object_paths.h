@@ -41,6 +41,9 @@ struct PathAnswer {
   std::string note;             ///< what the path says that may not be meant; may be empty
 };
 
+/// The revision that a path asks for, in words: "latest", "latest approved" or its number.
+std::string asked_revision_text(int revision);
+
 /// Finds what a path names, or what has a number.
 /// Fails: Problem, also when there is nothing; it tells the name on the way that is not there.
 PathAnswer find_objects(Link& link, const PathQuestion& question);

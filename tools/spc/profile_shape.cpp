@@ -8,6 +8,7 @@
 #include "spcbase/foundation/schema.h"
 #include "tools/spc/problem.h"
 #include "tools/spc/viewer.h"
+#include "tools/spc/words.h"
 
 namespace spc {
 namespace {
@@ -57,11 +58,7 @@ std::vector<Named> rows_of(Link& link, const Kind& kind, const CString& filter, 
   return found;
 }
 
-CString name_is(const std::string& name) {
-  CString literal(name);
-  literal.Replace("'", "''");
-  return "[NAME]='" + literal + "'";
-}
+CString name_is(const std::string& name) { return CString("[NAME]=" + sql_literal(name)); }
 
 std::optional<int> whole_number(const std::string& text) {
   int number = 0;

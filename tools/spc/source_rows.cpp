@@ -6,7 +6,7 @@
 #include "spcbase/foundation/access_predicate.h"
 #include "spcbase/foundation/failure.h"
 #include "spcbase/foundation/schema/column_table.h"
-#include "spcbase/platform/datetime/zone.h"
+#include "spcbase/time/calendar.h"
 #include "spcbase/utility/text.h"
 #include "tools/spc/moments.h"
 #include "tools/spc/problem.h"
@@ -36,17 +36,15 @@ class Rows : public TableRecordset<Rows> {
 };
 
 std::string local_time(const TIMESTAMP_STRUCT& utc) {
-  const SYSTEMTIME moment{static_cast<WORD>(utc.year),
-                          utc.month,
-                          0,
-                          utc.day,
-                          utc.hour,
-                          utc.minute,
-                          utc.second,
-                          static_cast<WORD>(utc.fraction / 1'000'000U)};
-  SYSTEMTIME local{};
-  if (SystemTimeToTzSpecificLocalTime(nullptr, &moment, &local) == FALSE) return {};
-  return moment_text(COleDateTime(local).m_dt);
+  SYSTEMTIME moment{static_cast<WORD>(utc.year),
+                    utc.month,
+                    0,
+                    utc.day,
+                    utc.hour,
+                    utc.minute,
+                    utc.second,
+                    static_cast<WORD>(utc.fraction / 1'000'000U)};
+  return to_local(moment) ? moment_text(COleDateTime(moment).m_dt) : std::string();
 }
 
 std::string plain_name(const CString& name) { return std::string(fix_spc_name(name, false).view()); }

@@ -1,4 +1,3 @@
-#include "spcbase/tree/path.h"
 #include "tools/spc/json.h"
 #include "tools/spc/object_paths.h"
 #include "tools/spc/problem.h"
@@ -18,11 +17,6 @@ std::vector<ObjectKind> kinds_of(const std::string& word) {
   throw Problem{"cannot read --kind " + quoted(word), "it is folder, monitor or profile", "", exit_misuse};
 }
 
-std::string revision_text(int revision) {
-  if (revision == 0) return "latest";
-  return revision == latest_approved_revision ? "latest approved" : std::to_string(revision);
-}
-
 std::string chain_text(const Chain& chain) {
   std::string text;
   for (const auto& folder : chain.folders)
@@ -39,7 +33,7 @@ void print_object(std::ostream& out, const FoundObject& object, const PathAnswer
   }
   facts.emplace_back("name", on_one_line(object.name));
   if (object.kind != ObjectKind::folder && answer.revision)
-    facts.emplace_back("revision", revision_text(*answer.revision));
+    facts.emplace_back("revision", asked_revision_text(*answer.revision));
   if (object.locations.empty()) facts.emplace_back("path", "none, it stands in no folder");
   for (const auto& location : object.locations) {
     facts.emplace_back("path", location.chain.broken.empty() ? location.path : "none, " + location.chain.broken);
@@ -77,7 +71,7 @@ void write_answer(std::ostream& out, const std::string& asked, const PathAnswer&
   json.begin_object();
   json.key("asked").value(asked);
   answer.revision ? json.key("revision").value(*answer.revision) : json.key("revision").null();
-  json.key("revision_text").value(answer.revision ? revision_text(*answer.revision) : "");
+  json.key("revision_text").value(answer.revision ? asked_revision_text(*answer.revision) : "");
   json.key("note").value(answer.note);
   json.key("found").begin_array();
   for (const auto& object : answer.found) {

@@ -32,4 +32,11 @@ std::string either(const std::vector<std::string>& words) {
   return list;
 }
 
+std::string sql_literal(std::string_view text) {
+  std::string literal = "'";
+  for (const char c : text)
+    literal.append(c == '\'' ? 2 : 1, c);
+  return literal + "'";
+}
+
 }  // namespace spc

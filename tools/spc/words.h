@@ -18,4 +18,7 @@ std::vector<std::string> words_of(std::string_view text, std::string_view separa
 /// "day, week or month".
 std::string either(const std::vector<std::string>& words);
 
+/// A text as a literal of SQL.
+std::string sql_literal(std::string_view text);
+
 }  // namespace spc

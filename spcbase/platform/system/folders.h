@@ -26,7 +26,7 @@ inline constexpr int CSIDL_FLAG_CREATE = 0x8000;
 /// Writes the path of the folder for temporary files, with a separator at its end. Whether it is there is not looked
 /// at.
 /// Shape:   `size` is the buffer's size in bytes, zero included.
-/// Returns  the length without the zero; the size needed when the buffer is null or too small, which is not written
+/// Returns the length without the zero; the size needed when the buffer is null or too small, which is not written
 ///          then; 0 with last error 3 when the system names no such folder.
 SPCBASE_API DWORD GetTempPathA(DWORD size, char* buffer);
 
