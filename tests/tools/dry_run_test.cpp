@@ -277,7 +277,7 @@ TEST_P(DryRuns, leave_nothing_when_they_are_interrupted) {
   rings.close();
   auto line = line_for("sample import");
   std::ranges::replace(line, file("rings.csv"), file("many.csv"));
-  line.insert(line.end(), {"--dry-run", "--progress", "line"});
+  line.insert(line.end(), {"--dry-run", "--progress", "line", "--trace"});
   const Dump before = dump();
   const Answer answer = command_test::run_and_signal(on_database(line), ": 100 of 1000", {SIGINT});
   EXPECT_EQ(answer.status, 130) << answer;

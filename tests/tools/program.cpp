@@ -105,6 +105,8 @@ Answer run_with(std::vector<std::string> variables, const std::vector<std::strin
   const int out = ::open(folder.file("out").c_str(), O_WRONLY | O_CREAT | O_CLOEXEC, 0600);
   int ends[2] = {-1, -1};
   if (out < 0 || ::pipe2(ends, O_CLOEXEC) != 0) throw std::runtime_error("no way to read what the command says");
+  // As small as can be: a command that says much cannot run ahead of whoever waits for a line to signal it.
+  ::fcntl(ends[1], F_SETPIPE_SZ, 4096);
   const pid_t process = ::fork();
   if (process == 0) {
     ::dup2(out, STDOUT_FILENO);
