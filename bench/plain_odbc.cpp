@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-#include "tests/support/raw_odbc.h"
+#include "spcbase/testkit/raw_odbc.h"
 
 namespace bench {
 namespace {

@@ -7,8 +7,8 @@
 
 #include "bench/plain_odbc.h"
 #include "bench/plain_sqlite.h"
-#include "tests/support/private_server.h"
-#include "tests/support/scratch_folder.h"
+#include "spcbase/testkit/private_server.h"
+#include "spcbase/testkit/scratch_folder.h"
 
 namespace bench {
 

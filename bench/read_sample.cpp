@@ -3,7 +3,7 @@
 #include "bench/plain_sample.h"
 #include "spcbase/dataentry/sample.h"
 #include "spcbase/platform/automation/holders.h"
-#include "tools/engine/reference_engine.h"
+#include "spcbase/testkit/reference_engine.h"
 
 namespace bench {
 namespace {

@@ -4,7 +4,7 @@
 #include "spcbase/dataentry/sample.h"
 #include "spcbase/foundation/connection.h"
 #include "spcbase/platform/automation/holders.h"
-#include "tools/engine/reference_engine.h"
+#include "spcbase/testkit/reference_engine.h"
 
 namespace bench {
 namespace {

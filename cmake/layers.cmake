@@ -22,7 +22,7 @@ function(spcbase_test name)
   cmake_parse_arguments(arg "" "SHARDS" "SOURCES;LIBRARIES" ${ARGN})
   add_executable(${name}_test ${arg_SOURCES})
   target_link_libraries(${name}_test PRIVATE
-    spcbase_internal spcbase_test_support spcbase_warnings spcbase_test_sanitizers spcbase_quick_build
+    spcbase_test_support spcbase_warnings spcbase_test_sanitizers spcbase_quick_build
     ${arg_LIBRARIES} GTest::gtest GTest::gmock)
   target_compile_definitions(${name}_test PRIVATE SPCBASE_TEST_DATA="${PROJECT_SOURCE_DIR}/tests/data")
   set(command ${name}_test --gtest_shuffle --gtest_brief=1)

@@ -8,8 +8,8 @@
 #include "spcbase/foundation/outcome.h"
 #include "spcbase/platform/automation/safe_array.h"
 #include "spcbase/platform/automation/variant_t.h"
-#include "tools/engine/reference_engine.h"
-#include "tools/plant/plant.h"
+#include "spcbase/testkit/reference_engine.h"
+#include "spcbase/testkit/plant.h"
 
 namespace {
 

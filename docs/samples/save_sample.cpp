@@ -9,7 +9,7 @@
 #include "spcbase/foundation/outcome.h"
 #include "spcbase/platform/automation/safe_array.h"
 #include "spcbase/platform/automation/variant_t.h"
-#include "tools/engine/reference_engine.h"
+#include "spcbase/testkit/reference_engine.h"
 
 namespace {
 

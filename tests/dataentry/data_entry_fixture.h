@@ -10,13 +10,13 @@
 #include "spcbase/dataentry/sample.h"
 #include "spcbase/foundation/failure.h"
 #include "spcbase/foundation/outcome.h"
-#include "tests/support/database_fixture.h"
+#include "spcbase/testkit/database_fixture.h"
+#include "spcbase/testkit/reference_engine.h"
+#include "spcbase/testkit/statement_log.h"
 #include "tests/support/grid.h"
 #include "tests/support/plant.h"
 #include "tests/support/recording_engine.h"
 #include "tests/support/row_texts.h"
-#include "tests/support/statement_log.h"
-#include "tools/engine/reference_engine.h"
 
 namespace test_support {
 

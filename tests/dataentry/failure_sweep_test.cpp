@@ -7,8 +7,8 @@
 //   reading              the failure arrives and no array; what the rules swallow changes no cell
 //   afterwards           nothing is open, locked or held; every statement is released; the connection goes on working
 #include "spcbase/platform/database/connection.h"
+#include "spcbase/testkit/fail_kth_call.h"
 #include "tests/dataentry/data_entry_fixture.h"
-#include "tests/support/fail_kth_call.h"
 
 namespace {
 

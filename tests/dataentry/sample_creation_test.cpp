@@ -5,10 +5,10 @@
 //   approval             the record, its UTC time, only one for a sample
 //   announced            nothing in the database, one for each helper, numbers of the process, written once
 //   failures             a closed connection, a failing or null engine, a number that is taken
+#include "spcbase/testkit/held_clock.h"
+#include "spcbase/testkit/zone_guard.h"
 #include "tests/dataentry/data_entry_fixture.h"
 #include "tests/dataentry/data_entry_process.h"
-#include "tests/support/held_clock.h"
-#include "tests/support/zone_guard.h"
 
 namespace {
 

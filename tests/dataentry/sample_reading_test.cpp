@@ -8,9 +8,9 @@
 //   the array            shape and bounds; none and nothing lost on failure
 //   round trip           what was saved comes back, but for what the rules leave out
 //   statements           filters to the letter, one question for each table
+#include "spcbase/testkit/held_clock.h"
+#include "spcbase/testkit/zone_guard.h"
 #include "tests/dataentry/data_entry_fixture.h"
-#include "tests/support/held_clock.h"
-#include "tests/support/zone_guard.h"
 
 namespace {
 

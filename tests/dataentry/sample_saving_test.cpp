@@ -8,9 +8,9 @@
 //   unknown elements     a kind that is none, a label type that is none, a characteristic of a type nobody knows
 //   transactions         none of its own; the caller's undoes everything
 //   the engine           failing numbers, failing system labels
+#include "spcbase/testkit/held_clock.h"
+#include "spcbase/testkit/zone_guard.h"
 #include "tests/dataentry/data_entry_fixture.h"
-#include "tests/support/held_clock.h"
-#include "tests/support/zone_guard.h"
 
 namespace {
 

@@ -10,8 +10,8 @@
 #include "spcbase/dataentry/sample.h"
 #include "spcbase/foundation/connection.h"
 #include "spcbase/foundation/outcome.h"
+#include "spcbase/testkit/reference_engine.h"
 #include "tests/support/grid.h"
-#include "tools/engine/reference_engine.h"
 
 namespace {
 

@@ -15,8 +15,8 @@
 #include "spcbase/datasource/internal/learning.h"
 #include "spcbase/datasource/sql_builder.h"
 #include "spcbase/platform/automation/com_error.h"
+#include "spcbase/testkit/database_fixture.h"
 #include "tests/datasource/definition_fields.h"
-#include "tests/support/database_fixture.h"
 #include "tests/support/scripted_servers.h"
 
 namespace {

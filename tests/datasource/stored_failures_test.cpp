@@ -6,10 +6,10 @@
 #include <set>
 
 #include "spcbase/platform/database/connection.h"
+#include "spcbase/testkit/held_clock.h"
+#include "spcbase/testkit/statement_log.h"
 #include "tests/datasource/stored_fixture.h"
 #include "tests/support/failure_sweep.h"
-#include "tests/support/held_clock.h"
-#include "tests/support/statement_log.h"
 
 namespace {
 

@@ -21,10 +21,10 @@
 #include "spcbase/foundation/outcome.h"
 #include "spcbase/platform/database/odbc_session.h"
 #include "spcbase/platform/database/sqlite_session.h"
-#include "tests/support/database_fixture.h"
+#include "spcbase/testkit/database_fixture.h"
+#include "spcbase/testkit/scripted_session.h"
 #include "tests/support/hex_bytes.h"
 #include "tests/support/row_texts.h"
-#include "tests/support/scripted_session.h"
 
 namespace test_support {
 

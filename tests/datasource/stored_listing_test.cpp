@@ -3,9 +3,9 @@
 //   who may see what: directly, by a group, by both, by none; user 0 -> ListingFor.*
 //   ids: what the view shows, appended -> ListingIds.*
 //   rewriting: none, three rows of which one fails in each way, the other kind, the old form -> Rewriting.*
+#include "spcbase/testkit/held_clock.h"
 #include "spcbase/utility/encoders.h"
 #include "tests/datasource/stored_fixture.h"
-#include "tests/support/held_clock.h"
 
 namespace {
 

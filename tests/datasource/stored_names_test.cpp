@@ -2,8 +2,8 @@
 // come back as they went, and no other row changes.
 //   by columns and by the blob -> HurtfulTexts.come_back_*
 //   as what is there already when other operations run -> HurtfulTexts.*
+#include "spcbase/testkit/held_clock.h"
 #include "tests/datasource/stored_fixture.h"
-#include "tests/support/held_clock.h"
 
 namespace {
 

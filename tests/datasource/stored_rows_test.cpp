@@ -8,9 +8,9 @@
 #include <utility>
 
 #include "spcbase/datasource/internal/definition_rows.h"
+#include "spcbase/testkit/held_clock.h"
+#include "spcbase/testkit/zone_guard.h"
 #include "tests/datasource/stored_fixture.h"
-#include "tests/support/held_clock.h"
-#include "tests/support/zone_guard.h"
 
 namespace {
 

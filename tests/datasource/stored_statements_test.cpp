@@ -2,10 +2,10 @@
 //   exact statements of each operation, for both kinds, on SQLite and MariaDB -> StoredStatements.*
 //   the same as a server with brackets gets them, without a real server -> StoredOnBrackets.*
 //   the retry: sizes, one attempt, failures that end it, nothing read twice -> StoredRetry.*
+#include "spcbase/testkit/held_clock.h"
+#include "spcbase/testkit/statement_log.h"
+#include "spcbase/testkit/zone_guard.h"
 #include "tests/datasource/stored_fixture.h"
-#include "tests/support/held_clock.h"
-#include "tests/support/statement_log.h"
-#include "tests/support/zone_guard.h"
 
 namespace {
 

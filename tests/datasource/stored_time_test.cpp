@@ -3,9 +3,9 @@
 //   so the first refresh elsewhere than in UTC reads anew, in UTC it does not -> StoredTime.*
 //   the repeated hour of a change back; fractions of a second -> StoredTime.*
 //   the newest time of a list -> NewestTime.*
+#include "spcbase/testkit/held_clock.h"
+#include "spcbase/testkit/zone_guard.h"
 #include "tests/datasource/stored_fixture.h"
-#include "tests/support/held_clock.h"
-#include "tests/support/zone_guard.h"
 
 namespace {
 

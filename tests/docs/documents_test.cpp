@@ -11,8 +11,8 @@
 #include <regex>
 #include <sstream>
 
+#include "spcbase/testkit/scratch_folder.h"
 #include "tests/docs/documents.h"
-#include "tests/support/scratch_folder.h"
 
 namespace {
 

@@ -20,8 +20,8 @@
 #include "spcbase/foundation/internal/opening.h"
 #include "spcbase/foundation/outcome.h"
 #include "spcbase/foundation/schema.h"
+#include "spcbase/testkit/database_fixture.h"
 #include "tests/support/blob_bytes.h"
-#include "tests/support/database_fixture.h"
 
 namespace {
 

@@ -13,9 +13,9 @@
 
 #include "spcbase/foundation/connection.h"
 #include "spcbase/foundation/recordset.h"
+#include "spcbase/testkit/database_fixture.h"
+#include "spcbase/testkit/raw_odbc.h"
 #include "tests/foundation/recorder.h"
-#include "tests/support/database_fixture.h"
-#include "tests/support/raw_odbc.h"
 
 namespace {
 

@@ -19,7 +19,7 @@
 #include "spcbase/foundation/recordset.h"
 #include "spcbase/foundation/schema.h"
 #include "spcbase/platform/database/connection.h"
-#include "tests/support/scripted_session.h"
+#include "spcbase/testkit/scripted_session.h"
 
 namespace {
 

@@ -15,10 +15,10 @@
 #include "spcbase/foundation/connection.h"
 #include "spcbase/foundation/outcome.h"
 #include "spcbase/foundation/schema.h"
-#include "tests/support/database_fixture.h"
-#include "tests/support/private_server.h"
-#include "tests/support/raw_odbc.h"
-#include "tests/support/scratch_folder.h"
+#include "spcbase/testkit/database_fixture.h"
+#include "spcbase/testkit/private_server.h"
+#include "spcbase/testkit/raw_odbc.h"
+#include "spcbase/testkit/scratch_folder.h"
 
 namespace {
 

@@ -22,13 +22,13 @@
 #include "spcbase/platform/database/connection.h"
 #include "spcbase/platform/database/odbc_session.h"
 #include "spcbase/platform/database/sqlite_session.h"
+#include "spcbase/testkit/database_fixture.h"
+#include "spcbase/testkit/fail_kth_call.h"
+#include "spcbase/testkit/scripted_session.h"
 #include "tests/foundation/recorder.h"
 #include "tests/support/blob_bytes.h"
-#include "tests/support/database_fixture.h"
-#include "tests/support/fail_kth_call.h"
 #include "tests/support/failure_sweep.h"
 #include "tests/support/memory_meter.h"
-#include "tests/support/scripted_session.h"
 
 namespace {
 

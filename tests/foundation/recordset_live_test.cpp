@@ -12,8 +12,8 @@
 #include "spcbase/foundation/internal/opening.h"
 #include "spcbase/foundation/recordset.h"
 #include "spcbase/foundation/schema.h"
+#include "spcbase/testkit/database_fixture.h"
 #include "tests/foundation/recorder.h"
-#include "tests/support/database_fixture.h"
 
 namespace {
 

@@ -20,10 +20,10 @@
 #include "spcbase/foundation/running_number.h"
 #include "spcbase/platform/database/odbc_session.h"
 #include "spcbase/platform/database/sqlite_session.h"
+#include "spcbase/testkit/database_fixture.h"
+#include "spcbase/testkit/scripted_session.h"
 #include "tests/foundation/recorder.h"
-#include "tests/support/database_fixture.h"
 #include "tests/support/failure_sweep.h"
-#include "tests/support/scripted_session.h"
 
 namespace {
 

@@ -12,7 +12,7 @@
 #include "spcbase/foundation/internal/opening.h"
 #include "spcbase/foundation/outcome.h"
 #include "spcbase/foundation/schema.h"
-#include "tests/support/database_fixture.h"
+#include "spcbase/testkit/database_fixture.h"
 
 namespace {
 

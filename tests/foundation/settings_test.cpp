@@ -12,8 +12,8 @@
 
 #include "spcbase/foundation/outcome.h"
 #include "spcbase/foundation/settings.h"
+#include "spcbase/testkit/database_fixture.h"
 #include "tests/foundation/recorder.h"
-#include "tests/support/database_fixture.h"
 #include "tests/support/failure_sweep.h"
 
 namespace {

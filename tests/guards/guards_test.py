@@ -23,7 +23,6 @@ class Guard(unittest.TestCase):
         self.root = self.folder.name
         self.plant("VERSION", "1.2.3\n")
         self.plant("CHANGELOG.md", "# Changes\n\n## 1.2.3\n")
-        os.makedirs(os.path.join(self.root, "cmake"))
         shutil.copy(os.path.join(ROOT, "cmake", "layers.txt"), os.path.join(self.root, "cmake"))
         self.plant("spcbase/foundation/failure.h", "#pragma once\n#include <string>\n")
         self.plant("spcbase/foundation/internal/dialect_table.h", "#pragma once\n")
@@ -195,9 +194,7 @@ class PlatformPage(Guard):
 
     def setUp(self):
         super().setUp()
-        os.makedirs(os.path.join(self.root, "docs", "reference"))
-        shutil.copy(os.path.join(ROOT, "docs", "reference", "build_reference"),
-                    os.path.join(self.root, "docs", "reference"))
+        shutil.copy(os.path.join(ROOT, "cmake", "public_headers"), os.path.join(self.root, "cmake"))
         self.plant("spcbase/spcbase.h", '#include "spcbase/platform/text/a.h"\n')
         self.known = [f"Known{number}" for number in range(100)]
         self.declare("")

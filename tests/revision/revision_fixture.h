@@ -14,12 +14,12 @@
 #include "spcbase/platform/database/odbc_session.h"
 #include "spcbase/platform/database/sqlite_session.h"
 #include "spcbase/revision/manager.h"
-#include "tests/support/database_fixture.h"
-#include "tests/support/held_clock.h"
+#include "spcbase/testkit/database_fixture.h"
+#include "spcbase/testkit/held_clock.h"
+#include "spcbase/testkit/scripted_session.h"
+#include "spcbase/testkit/statement_log.h"
+#include "spcbase/testkit/zone_guard.h"
 #include "tests/support/row_texts.h"
-#include "tests/support/scripted_session.h"
-#include "tests/support/statement_log.h"
-#include "tests/support/zone_guard.h"
 
 namespace rev {
 

@@ -12,7 +12,7 @@
 #include "spcbase/platform/datetime/calendar.h"
 #include "spcbase/platform/datetime/zone_rule.h"
 #include "spcbase/schedule/occurrence.h"
-#include "tests/support/zone_guard.h"
+#include "spcbase/testkit/zone_guard.h"
 
 namespace {
 

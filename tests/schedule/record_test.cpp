@@ -10,11 +10,11 @@
 
 #include "spcbase/foundation/failure.h"
 #include "spcbase/schedule/record.h"
+#include "spcbase/testkit/held_clock.h"
+#include "spcbase/testkit/zone_guard.h"
 #include "spcbase/time/calendar.h"
 #include "spcbase/utility/internal/xml_elements.h"
 #include "spcbase/utility/text.h"
-#include "tests/support/held_clock.h"
-#include "tests/support/zone_guard.h"
 
 namespace {
 

@@ -20,9 +20,9 @@
 
 #include "schema/ddl.h"
 #include "schema/description.h"
-#include "tests/support/private_server.h"
-#include "tests/support/raw_odbc.h"
-#include "tests/support/raw_sqlite.h"
+#include "spcbase/testkit/private_server.h"
+#include "spcbase/testkit/raw_odbc.h"
+#include "spcbase/testkit/raw_sqlite.h"
 
 namespace {
 

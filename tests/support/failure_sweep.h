@@ -9,7 +9,7 @@
 #include "spcbase/foundation/connection.h"
 #include "spcbase/foundation/outcome.h"
 #include "spcbase/platform/database/connection.h"
-#include "tests/support/fail_kth_call.h"
+#include "spcbase/testkit/fail_kth_call.h"
 
 namespace test_support {
 

@@ -6,8 +6,8 @@
 #include <stdexcept>
 #include <string>
 
+#include "spcbase/testkit/scratch_folder.h"
 #include "tests/support/helper_process.h"
-#include "tests/support/scratch_folder.h"
 
 namespace test_support {
 

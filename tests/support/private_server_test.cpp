@@ -4,7 +4,7 @@
 //   Its folder is gone with the object, and after a crash of the program that started it -> PrivateMariaDb
 //   Null and empty stay apart, long texts come whole, a refused statement throws -> RawOdbc
 //   A scratch folder is empty, and gone with its object -> ScratchFolder
-#include "tests/support/private_server.h"
+#include "spcbase/testkit/private_server.h"
 
 #include <gtest/gtest.h>
 #include <sys/wait.h>
@@ -17,8 +17,8 @@
 #include <stdexcept>
 #include <thread>
 
-#include "tests/support/raw_odbc.h"
-#include "tests/support/scratch_folder.h"
+#include "spcbase/testkit/raw_odbc.h"
+#include "spcbase/testkit/scratch_folder.h"
 
 namespace {
 

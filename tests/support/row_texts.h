@@ -4,7 +4,7 @@
 #include <string>
 #include <vector>
 
-#include "tests/support/database_fixture.h"
+#include "spcbase/testkit/database_fixture.h"
 
 namespace test_support {
 

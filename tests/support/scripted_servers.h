@@ -7,7 +7,7 @@
 #include <string>
 
 #include "spcbase/platform/database/database.h"
-#include "tests/support/scripted_session.h"
+#include "spcbase/testkit/scripted_session.h"
 
 namespace test_support {
 

@@ -1,12 +1,12 @@
 // The scripted session and the failing call, on which other tests rest.
-#include "tests/support/scripted_session.h"
+#include "spcbase/testkit/scripted_session.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include "spcbase/platform/database/db_exception.h"
 #include "spcbase/platform/database/sqlite_session.h"
-#include "tests/support/fail_kth_call.h"
+#include "spcbase/testkit/fail_kth_call.h"
 
 namespace test_support {
 namespace {

@@ -18,8 +18,8 @@
 #include <utility>
 #include <vector>
 
-#include "tests/support/held_clock.h"
-#include "tests/support/zone_guard.h"
+#include "spcbase/testkit/held_clock.h"
+#include "spcbase/testkit/zone_guard.h"
 #include "tests/time/moment_text.h"
 
 namespace {

@@ -13,10 +13,10 @@
 #include <utility>
 #include <vector>
 
+#include "spcbase/testkit/held_clock.h"
+#include "spcbase/testkit/zone_guard.h"
 #include "spcbase/time/calculation.h"
 #include "spcbase/time/internal/present.h"
-#include "tests/support/held_clock.h"
-#include "tests/support/zone_guard.h"
 #include "tests/time/moment_text.h"
 
 namespace {

@@ -14,7 +14,7 @@
 #include <cmath>
 #include <limits>
 
-#include "tests/support/zone_guard.h"
+#include "spcbase/testkit/zone_guard.h"
 
 namespace {
 

@@ -9,8 +9,8 @@
 #include <bit>
 #include <random>
 
+#include "spcbase/testkit/zone_guard.h"
 #include "spcbase/time/calendar.h"
-#include "tests/support/zone_guard.h"
 
 namespace {
 

@@ -15,11 +15,11 @@
 #include <string>
 #include <vector>
 
+#include "spcbase/testkit/held_clock.h"
+#include "spcbase/testkit/zone_guard.h"
 #include "spcbase/time/calendar.h"
-#include "tests/support/held_clock.h"
 #include "tests/support/refusal.h"
 #include "tests/support/vector_file.h"
-#include "tests/support/zone_guard.h"
 
 namespace {
 

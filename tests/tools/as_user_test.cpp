@@ -6,9 +6,9 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include "spcbase/testkit/demo_plant.h"
 #include "tests/tools/json_check.h"
 #include "tests/tools/program.h"
-#include "tools/plant/demo_plant.h"
 
 namespace {
 

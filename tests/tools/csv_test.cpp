@@ -9,7 +9,7 @@
 
 #include <fstream>
 
-#include "tests/support/scratch_folder.h"
+#include "spcbase/testkit/scratch_folder.h"
 #include "tools/spc/problem.h"
 
 namespace {

@@ -9,10 +9,10 @@
 
 #include <algorithm>
 
-#include "tests/support/held_clock.h"
-#include "tests/support/scratch_folder.h"
-#include "tests/support/scripted_session.h"
-#include "tests/support/zone_guard.h"
+#include "spcbase/testkit/held_clock.h"
+#include "spcbase/testkit/scratch_folder.h"
+#include "spcbase/testkit/scripted_session.h"
+#include "spcbase/testkit/zone_guard.h"
 #include "tests/tools/doctor_faults.h"
 #include "tools/spc/problem.h"
 

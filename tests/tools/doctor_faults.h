@@ -5,7 +5,7 @@
 #include <string>
 #include <vector>
 
-#include "tests/support/database_fixture.h"
+#include "spcbase/testkit/database_fixture.h"
 #include "tools/spc/doctor/examination.h"
 
 namespace doctor_test {

@@ -6,8 +6,8 @@
 #include <algorithm>
 #include <chrono>
 
+#include "spcbase/testkit/raw_sqlite.h"
 #include "tests/support/memory_meter.h"
-#include "tests/support/raw_sqlite.h"
 #include "tests/tools/doctor_faults.h"
 #include "tools/spc/doctor/doctor.h"
 

@@ -10,8 +10,8 @@
 #include <chrono>
 
 #include "spcbase/datasource/stored.h"
-#include "tests/support/held_clock.h"
-#include "tests/support/zone_guard.h"
+#include "spcbase/testkit/held_clock.h"
+#include "spcbase/testkit/zone_guard.h"
 #include "tests/tools/doctor_faults.h"
 #include "tools/spc/doctor/doctor.h"
 

@@ -22,8 +22,8 @@
 #include <sstream>
 
 #include "spcbase/platform/database/connection.h"
-#include "tests/support/fail_kth_call.h"
-#include "tests/support/scripted_session.h"
+#include "spcbase/testkit/fail_kth_call.h"
+#include "spcbase/testkit/scripted_session.h"
 #include "tests/tools/dump.h"
 #include "tests/tools/json_check.h"
 #include "tests/tools/program.h"

@@ -3,8 +3,8 @@
 #include <algorithm>
 #include <optional>
 
-#include "tests/support/raw_odbc.h"
-#include "tests/support/raw_sqlite.h"
+#include "spcbase/testkit/raw_odbc.h"
+#include "spcbase/testkit/raw_sqlite.h"
 
 namespace command_test {
 namespace {

@@ -12,9 +12,9 @@
 #include "spcbase/foundation/recordset.h"
 #include "spcbase/platform/database/odbc_session.h"
 #include "spcbase/platform/database/sqlite_session.h"
-#include "tests/support/scripted_session.h"
+#include "spcbase/testkit/plant.h"
+#include "spcbase/testkit/scripted_session.h"
 #include "tests/tools/program.h"
-#include "tools/plant/plant.h"
 #include "tools/spc/import_write.h"
 #include "tools/spc/problem.h"
 

@@ -13,9 +13,9 @@
 #include <filesystem>
 #include <fstream>
 
+#include "spcbase/testkit/plant.h"
 #include "tests/tools/json_check.h"
 #include "tests/tools/program.h"
-#include "tools/plant/plant.h"
 #include "tools/spc/words.h"
 
 namespace {

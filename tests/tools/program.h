@@ -7,9 +7,9 @@
 #include <string>
 #include <vector>
 
-#include "tests/support/database_fixture.h"
-#include "tests/support/private_server.h"
-#include "tests/support/scratch_folder.h"
+#include "spcbase/testkit/database_fixture.h"
+#include "spcbase/testkit/private_server.h"
+#include "spcbase/testkit/scratch_folder.h"
 
 namespace command_test {
 

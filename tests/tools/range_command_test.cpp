@@ -10,9 +10,9 @@
 
 #include <map>
 
+#include "spcbase/testkit/zone_guard.h"
 #include "spcbase/time/range.h"
 #include "tests/support/made_locale.h"
-#include "tests/support/zone_guard.h"
 #include "tests/tools/json_check.h"
 #include "tests/tools/program.h"
 

@@ -3,7 +3,7 @@ target_sources(tools_test PRIVATE report_test.cpp report_page_reader.cpp report_
 
 add_executable(report_page report_page.cpp report_plants.cpp)
 target_link_libraries(report_page PRIVATE
-  spc_command spcbase_internal spcbase_test_support spcbase_warnings spcbase_test_sanitizers spcbase_quick_build
+  spcbase_test_support spc_command spcbase_warnings spcbase_test_sanitizers spcbase_quick_build
   GTest::gtest)
 
 find_package(Python3 REQUIRED COMPONENTS Interpreter)

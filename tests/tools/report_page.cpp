@@ -1,7 +1,7 @@
 // Writes the pages that are opened in a browser: report_page FOLDER
 #include <iostream>
 
-#include "tests/support/scratch_folder.h"
+#include "spcbase/testkit/scratch_folder.h"
 #include "tests/tools/report_plants.h"
 #include "tools/spc/problem.h"
 

@@ -8,8 +8,8 @@
 
 #include <sstream>
 
-#include "tests/support/scratch_folder.h"
-#include "tests/support/scripted_session.h"
+#include "spcbase/testkit/scratch_folder.h"
+#include "spcbase/testkit/scripted_session.h"
 #include "tools/spc/problem.h"
 #include "tools/spc/rev_maintenance.h"
 

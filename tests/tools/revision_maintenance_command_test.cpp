@@ -8,7 +8,7 @@
 #include <sstream>
 
 #include "spcbase/platform/database/odbc_session.h"
-#include "tests/support/scripted_session.h"
+#include "spcbase/testkit/scripted_session.h"
 #include "tests/tools/json_check.h"
 #include "tests/tools/program.h"
 #include "tools/spc/problem.h"

@@ -9,9 +9,9 @@
 
 #include <fstream>
 
+#include "spcbase/testkit/plant.h"
 #include "tests/tools/json_check.h"
 #include "tests/tools/program.h"
-#include "tools/plant/plant.h"
 
 namespace {
 

@@ -10,8 +10,8 @@
 #include <map>
 
 #include "spcbase/platform/datetime/ole_datetime.h"
+#include "spcbase/testkit/zone_guard.h"
 #include "tests/support/made_locale.h"
-#include "tests/support/zone_guard.h"
 #include "tests/tools/json_check.h"
 #include "tests/tools/program.h"
 

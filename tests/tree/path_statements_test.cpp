@@ -6,8 +6,8 @@
 #include "spcbase/foundation/failure.h"
 #include "spcbase/foundation/outcome.h"
 #include "spcbase/platform/database/recordset.h"
+#include "spcbase/testkit/statement_log.h"
 #include "tests/support/failure_sweep.h"
-#include "tests/support/statement_log.h"
 #include "tests/tree/tree_fixture.h"
 
 namespace {

@@ -12,11 +12,11 @@
 
 #include "spcbase/platform/database/odbc_session.h"
 #include "spcbase/platform/database/sqlite_session.h"
+#include "spcbase/testkit/database_fixture.h"
+#include "spcbase/testkit/scripted_session.h"
 #include "spcbase/tree/internal/node_walk.h"
 #include "spcbase/tree/path.h"
-#include "tests/support/database_fixture.h"
 #include "tests/support/row_texts.h"
-#include "tests/support/scripted_session.h"
 
 namespace test_support {
 

@@ -17,8 +17,8 @@
 #include <string>
 #include <type_traits>
 
+#include "spcbase/testkit/scratch_folder.h"
 #include "spcbase/utility/files.h"
-#include "tests/support/scratch_folder.h"
 
 namespace {
 

@@ -23,9 +23,9 @@
 #include "spcbase/platform/system/message_source.h"
 #include "spcbase/platform/system/process.h"
 #include "spcbase/platform/system/system_folders.h"
+#include "spcbase/testkit/scratch_folder.h"
 #include "spcbase/utility/files.h"
 #include "tests/support/open_handles.h"
-#include "tests/support/scratch_folder.h"
 
 namespace {
 

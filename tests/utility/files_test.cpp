@@ -18,9 +18,9 @@
 #include <string>
 
 #include "spcbase/platform/system/file.h"
+#include "spcbase/testkit/scratch_folder.h"
 #include "spcbase/utility/files.h"
 #include "tests/support/open_handles.h"
-#include "tests/support/scratch_folder.h"
 #include "tests/support/vector_file.h"
 
 namespace {

@@ -10,9 +10,9 @@
 #include <string>
 
 #include "spcbase/platform/automation/variant_t.h"
+#include "spcbase/testkit/scratch_folder.h"
 #include "spcbase/utility/text.h"
 #include "tests/support/number_locale.h"
-#include "tests/support/scratch_folder.h"
 
 namespace {
 

@@ -12,8 +12,8 @@
 #include <vector>
 
 #include "spcbase/platform/system/file.h"
+#include "spcbase/testkit/scratch_folder.h"
 #include "spcbase/utility/text.h"
-#include "tests/support/scratch_folder.h"
 
 namespace {
 

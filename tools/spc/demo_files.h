@@ -6,7 +6,7 @@
 #include <string>
 #include <vector>
 
-#include "tools/plant/demo_plant.h"
+#include "spcbase/testkit/demo_plant.h"
 #include "tools/spc/import_check.h"
 #include "tools/spc/import_write.h"
 

@@ -6,7 +6,7 @@
 #include <vector>
 
 #include "spcbase/revision/record.h"
-#include "tools/plant/demo_plant.h"
+#include "spcbase/testkit/demo_plant.h"
 #include "tools/spc/link.h"
 #include "tools/spc/profile_shape.h"
 

@@ -5,7 +5,7 @@
 
 #include <string>
 
-#include "tools/plant/demo_plant.h"
+#include "spcbase/testkit/demo_plant.h"
 #include "tools/spc/link.h"
 
 namespace spc {

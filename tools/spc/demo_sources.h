@@ -7,7 +7,7 @@
 #include <string>
 #include <vector>
 
-#include "tools/plant/demo_plant.h"
+#include "spcbase/testkit/demo_plant.h"
 #include "tools/spc/json.h"
 #include "tools/spc/link.h"
 

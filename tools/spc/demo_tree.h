@@ -8,7 +8,7 @@
 #include <vector>
 
 #include "spcbase/revision/record.h"
-#include "tools/plant/demo_plant.h"
+#include "spcbase/testkit/demo_plant.h"
 #include "tools/spc/json.h"
 #include "tools/spc/link.h"
 

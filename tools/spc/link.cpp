@@ -7,7 +7,7 @@
 #include <iomanip>
 
 #include "spcbase/platform/database/connect_text.h"
-#include "tools/engine/reference_engine.h"
+#include "spcbase/testkit/reference_engine.h"
 #include "tools/spc/dry_run.h"
 #include "tools/spc/interruption.h"
 #include "tools/spc/problem.h"

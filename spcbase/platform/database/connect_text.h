@@ -32,7 +32,7 @@ bool same_word(std::string_view a, std::string_view b) noexcept;
 
 /// What `mask_passwords` gives.
 struct MaskedConnectText {
-  std::string text;
+  std::string text;  ///< the text with each secret as "***"
   /// What was hidden: each value as it stood, and as what it may be read for without quotes and braces. Never empty
   /// when there was a password key.
   std::vector<std::string> passwords;

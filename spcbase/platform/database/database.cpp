@@ -29,29 +29,10 @@ bool begins_with(std::string_view text, std::string_view prefix) {
   return true;
 }
 
-std::unique_ptr<spcdb::Session> open_session(std::string_view connect, bool read_only) {
+std::unique_ptr<spcdb::Session> open_plainly(std::string_view connect, bool read_only) {
   if (begins_with(connect, sqlite_prefix)) return spcdb::open_sqlite(connect, read_only);
   if (begins_with(connect, odbc_prefix)) connect.remove_prefix(odbc_prefix.size());
   return spcdb::open_odbc(connect, read_only);
-}
-
-/// Opens a session. What a driver repeats of the connect text must not tell the password.
-std::unique_ptr<spcdb::Session> open_discreetly(std::string_view connect, bool read_only) {
-  try {
-    return open_session(connect, read_only);
-  } catch (CDBException* failure) {
-    failure->m_strError = CString(spcdb::mask_passwords_in_message(failure->m_strError.view(), connect));
-    std::string shown;
-    for (auto rest = failure->m_strStateNativeOrigin.view(); !rest.empty();) {
-      const auto line = rest.substr(0, std::min(rest.find('\n'), rest.size() - 1) + 1);
-      const auto mark = line.find(origin_mark);
-      const auto numbers = mark == line.npos ? line.size() : mark + origin_mark.size();
-      shown.append(line.substr(0, numbers)).append(spcdb::mask_passwords_in_message(line.substr(numbers), connect));
-      rest.remove_prefix(line.size());
-    }
-    failure->m_strStateNativeOrigin = CString(std::move(shown));
-    throw;
-  }
 }
 
 [[noreturn]] void raise_not_connected() {
@@ -59,6 +40,25 @@ std::unique_ptr<spcdb::Session> open_discreetly(std::string_view connect, bool r
 }
 
 }  // namespace
+
+std::unique_ptr<spcdb::Session> spcdb::open_session(std::string_view connect, bool read_only) {
+  // What a driver repeats of the connect text must not tell the password.
+  try {
+    return open_plainly(connect, read_only);
+  } catch (CDBException* failure) {
+    failure->m_strError = CString(mask_passwords_in_message(failure->m_strError.view(), connect));
+    std::string shown;
+    for (auto rest = failure->m_strStateNativeOrigin.view(); !rest.empty();) {
+      const auto line = rest.substr(0, std::min(rest.find('\n'), rest.size() - 1) + 1);
+      const auto mark = line.find(origin_mark);
+      const auto numbers = mark == line.npos ? line.size() : mark + origin_mark.size();
+      shown.append(line.substr(0, numbers)).append(mask_passwords_in_message(line.substr(numbers), connect));
+      rest.remove_prefix(line.size());
+    }
+    failure->m_strStateNativeOrigin = CString(std::move(shown));
+    throw;
+  }
+}
 
 CDatabase::CDatabase() = default;
 
@@ -79,7 +79,7 @@ BOOL CDatabase::OpenEx(const char* connect, DWORD options) {
   if (m_hdbc != nullptr) spcdb::raise(AFX_SQL_ERROR_ILLEGAL_MODE, "08002", "The database is connected already.");
   const std::string_view text = connect != nullptr ? std::string_view(connect) : std::string_view();
   const bool read_only = (options & openReadOnly) != 0;
-  adopt_session(open_discreetly(text, read_only), !read_only);
+  adopt_session(spcdb::open_session(text, read_only), !read_only);
   m_strConnect = text;
   return TRUE;
 }

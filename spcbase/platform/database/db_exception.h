@@ -57,9 +57,9 @@ class SPCBASE_API CDBException : public CException {
 namespace spcdb {
 
 /// Throws a CDBException* made from what a driver said.
-[[noreturn]] void raise(const Diagnostic& diagnostic);
+[[noreturn]] SPCBASE_API void raise(const Diagnostic& diagnostic);
 
 /// Throws a CDBException* for something that the layer itself refuses.
-[[noreturn]] void raise(RETCODE code, const char* sqlstate, std::string_view text);
+[[noreturn]] SPCBASE_API void raise(RETCODE code, const char* sqlstate, std::string_view text);
 
 }  // namespace spcdb

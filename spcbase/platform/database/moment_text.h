@@ -7,6 +7,7 @@
 #include <string_view>
 
 #include "spcbase/platform/datetime/timestamp.h"
+#include "spcbase/platform/system/export.h"
 
 namespace spcdb {
 
@@ -17,10 +18,10 @@ inline constexpr std::size_t moment_text_length = 23;
 bool is_moment(const TIMESTAMP_STRUCT& moment) noexcept;
 
 /// Writes a moment with three digits of the second; further digits are cut. The moment must be one.
-std::array<char, moment_text_length> format_moment(const TIMESTAMP_STRUCT& moment) noexcept;
+SPCBASE_API std::array<char, moment_text_length> format_moment(const TIMESTAMP_STRUCT& moment) noexcept;
 
 /// Reads "YYYY-MM-DD", alone or with " HH:MM" or "THH:MM", seconds and up to nine digits of the second behind it.
 /// False, with `moment` left alone, for anything else.
-bool parse_moment(std::string_view text, TIMESTAMP_STRUCT& moment) noexcept;
+SPCBASE_API bool parse_moment(std::string_view text, TIMESTAMP_STRUCT& moment) noexcept;
 
 }  // namespace spcdb

@@ -18,6 +18,7 @@
 #include "spcbase/platform/database/call_gate.h"
 #include "spcbase/platform/database/quirks.h"
 #include "spcbase/platform/datetime/timestamp.h"
+#include "spcbase/platform/system/export.h"
 #include "spcbase/platform/system/types.h"
 
 namespace spcdb {
@@ -38,44 +39,50 @@ inline constexpr std::size_t long_piece_bytes = 64UL * 1024;
 /// One value on its way to a `?` of a statement. Text and bytes are not owned: they must live until the statement was
 /// executed.
 struct Parameter {
-  ValueKind kind = ValueKind::integer;
-  bool is_null = false;
-  std::int64_t integer = 0;
-  double real = 0;
-  std::string_view text;      ///< UTF-8, or the bytes of either kind
-  TIMESTAMP_STRUCT moment{};  ///< fraction in nanoseconds; milliseconds are kept
+  ValueKind kind = ValueKind::integer;  ///< which of the members below has the value
+  bool is_null = false;                 ///< then the kind alone counts
+  std::int64_t integer = 0;             ///< of `integer`
+  double real = 0;                      ///< of `real`
+  std::string_view text;                ///< UTF-8, or the bytes of either kind
+  TIMESTAMP_STRUCT moment{};            ///< fraction in nanoseconds; milliseconds are kept
   std::string_view table;  ///< of long bytes: the table and column that they go to, quoted or not; empty when unknown
   std::string_view column;
 
+  /// One of each kind. Without a value:
   static Parameter null_of(ValueKind kind) {
     Parameter p;
     p.kind = kind;
     p.is_null = true;
     return p;
   }
+  /// A whole number.
   static Parameter of_integer(std::int64_t value) {
     Parameter p;
     p.integer = value;
     return p;
   }
+  /// A number.
   static Parameter of_real(double value) {
     Parameter p;
     p.kind = ValueKind::real;
     p.real = value;
     return p;
   }
+  /// A text in UTF-8.
   static Parameter of_text(std::string_view value) {
     Parameter p;
     p.kind = ValueKind::text;
     p.text = value;
     return p;
   }
+  /// Bytes that are bound at once.
   static Parameter of_bytes(std::string_view value) {
     Parameter p;
     p.kind = ValueKind::bytes;
     p.text = value;
     return p;
   }
+  /// Bytes that travel in pieces, and where they go to.
   static Parameter of_long_bytes(std::string_view value, std::string_view table = {}, std::string_view column = {}) {
     Parameter p;
     p.kind = ValueKind::long_bytes;
@@ -84,6 +91,7 @@ struct Parameter {
     p.column = column;
     return p;
   }
+  /// A moment.
   static Parameter of_moment(const TIMESTAMP_STRUCT& value) {
     Parameter p;
     p.kind = ValueKind::moment;
@@ -94,7 +102,7 @@ struct Parameter {
 
 /// What a recordset expects of one result column. Equal lists mean that a kept statement need not be bound anew.
 struct ColumnBinding {
-  ValueKind kind = ValueKind::integer;
+  ValueKind kind = ValueKind::integer;  ///< how its values are read
   int width_chars = 0;  ///< for texts: a longer value is a truncation failure (return code 1021), never cut
   int size_bytes = 0;   ///< of bytes: the buffer; a longer value is a truncation failure (1021) that tells its length
 
@@ -103,7 +111,7 @@ struct ColumnBinding {
 
 /// What the server says about one result column.
 struct ColumnInfo {
-  std::string name;
+  std::string name;    ///< as the server spells it; UTF-8
   short sql_type = 0;  ///< ODBC's numbers, e.g. 12 for SQL_VARCHAR
   unsigned long precision = 0;
   short scale = 0;
@@ -172,6 +180,7 @@ class Session {
   /// The raw handle: the ODBC connection or the sqlite3*.
   virtual void* native_handle() const = 0;
 
+  /// Prepares a statement: it may be executed again and again, as long as the session is open.
   virtual std::unique_ptr<Statement> prepare(std::string_view sql, Reading reading) = 0;
   /// Runs a text as it is, without parameters, and drops a result if there is one. Rows affected, -1 when unknown.
   /// Exactly one statement: a second one in the text is refused.
@@ -204,5 +213,8 @@ class Session {
   /// session must be gone.
   virtual void close() noexcept = 0;
 };
+
+/// Opens a session by a connect text, as `CDatabase::OpenEx` takes it. No failure repeats its password.
+SPCBASE_API std::unique_ptr<Session> open_session(std::string_view connect, bool read_only);
 
 }  // namespace spcdb

@@ -8,31 +8,33 @@
 #include <string>
 #include <string_view>
 
+#include "spcbase/platform/system/export.h"
+
 namespace spcdb {
 
 /// How a value fits a whole number of 64 bits.
 enum class Whole : unsigned char { yes, no_whole_number, too_large };
 
 /// Reads a whole number; "12.0" is one. `value` is left alone unless the answer is `yes`.
-Whole read_whole(std::string_view text, std::int64_t& value) noexcept;
-Whole read_whole(double real, std::int64_t& value) noexcept;
+SPCBASE_API Whole read_whole(std::string_view text, std::int64_t& value) noexcept;
+SPCBASE_API Whole read_whole(double real, std::int64_t& value) noexcept;
 
 /// Reads a number; false when the text is anything else.
-bool read_real(std::string_view text, double& value) noexcept;
+SPCBASE_API bool read_real(std::string_view text, double& value) noexcept;
 
 /// Writes a number in the fewest digits that give it back exactly.
-void write_number(std::string& text, std::int64_t value);
-void write_number(std::string& text, double value);
+SPCBASE_API void write_number(std::string& text, std::int64_t value);
+SPCBASE_API void write_number(std::string& text, double value);
 
 /// Whether a text has more than `width` characters of UTF-8.
-bool is_wider(std::string_view text, int width) noexcept;
+SPCBASE_API bool is_wider(std::string_view text, int width) noexcept;
 
 /// Raise the failures of a value that does not fit what is read, naming its column.
-[[noreturn]] void refuse_value(const std::string& column, const char* sqlstate, const char* wanted);
-[[noreturn]] void refuse_whole(const std::string& column, Whole why);
-[[noreturn]] void refuse_width(const std::string& column, int width);
+[[noreturn]] SPCBASE_API void refuse_value(const std::string& column, const char* sqlstate, const char* wanted);
+[[noreturn]] SPCBASE_API void refuse_whole(const std::string& column, Whole why);
+[[noreturn]] SPCBASE_API void refuse_width(const std::string& column, int width);
 /// Of bytes that do not fit their buffer.
-[[noreturn]] void refuse_size(const std::string& column, std::size_t length_bytes, int room_bytes);
+[[noreturn]] SPCBASE_API void refuse_size(const std::string& column, std::size_t length_bytes, int room_bytes);
 [[noreturn]] void refuse_nan();
 [[noreturn]] void refuse_moment();
 

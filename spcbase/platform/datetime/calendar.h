@@ -9,9 +9,9 @@ namespace platform {
 
 /// A year, month 1 to 12 and day 1 to 31.
 struct CivilDate {
-  std::int64_t year;
-  int month;
-  int day;
+  std::int64_t year;  ///< of the Gregorian calendar, also before it was made
+  int month;          ///< 1 to 12
+  int day;            ///< 1 to 31
 };
 
 /// Days since 1970-01-01 of a date; the day may lie outside its month and carries.
@@ -38,6 +38,7 @@ constexpr CivilDate civil_from_days(std::int64_t days) noexcept {
 /// The day of week, 0 is Sunday, of a number of days after 1970-01-01.
 constexpr int weekday_from_days(std::int64_t days) noexcept { return static_cast<int>(((days % 7) + 11) % 7); }
 
+/// Whether a year has 366 days.
 constexpr bool is_leap_year(std::int64_t year) noexcept {
   return (year % 4 == 0 && year % 100 != 0) || year % 400 == 0;
 }

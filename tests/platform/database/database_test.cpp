@@ -15,8 +15,8 @@
 #include <string_view>
 
 #include "spcbase/platform/database/connection.h"
+#include "spcbase/testkit/scripted_session.h"
 #include "tests/platform/database/database_under_test.h"
-#include "tests/support/scripted_session.h"
 
 namespace {
 

@@ -10,8 +10,8 @@
 
 #include "spcbase/platform/database/database.h"
 #include "spcbase/platform/database/recordset.h"
-#include "tests/support/private_server.h"
-#include "tests/support/scratch_folder.h"
+#include "spcbase/testkit/private_server.h"
+#include "spcbase/testkit/scratch_folder.h"
 
 namespace database_test {
 

@@ -9,8 +9,8 @@
 #include <limits>
 
 #include "spcbase/platform/database/connection.h"
+#include "spcbase/testkit/scripted_session.h"
 #include "tests/platform/database/blobs_under_test.h"
-#include "tests/support/scripted_session.h"
 
 namespace database_test {
 namespace {

@@ -10,8 +10,8 @@
 #include <future>
 #include <set>
 
+#include "spcbase/testkit/fail_kth_call.h"
 #include "tests/platform/database/session_under_test.h"
-#include "tests/support/fail_kth_call.h"
 
 namespace database_test {
 namespace {

@@ -6,9 +6,9 @@
 //   SqliteLongData    statements whose long column SQLite can and cannot open by its row id, and writing in one step
 #include <algorithm>
 
+#include "spcbase/testkit/fail_kth_call.h"
 #include "tests/platform/database/session_under_test.h"
 #include "tests/support/blob_bytes.h"
-#include "tests/support/fail_kth_call.h"
 
 namespace database_test {
 namespace {

@@ -15,8 +15,8 @@
 #include <fstream>
 #include <set>
 
-#include "tests/support/fail_kth_call.h"
-#include "tests/support/raw_odbc.h"
+#include "spcbase/testkit/fail_kth_call.h"
+#include "spcbase/testkit/raw_odbc.h"
 
 namespace database_test {
 namespace {

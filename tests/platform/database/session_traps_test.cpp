@@ -2,9 +2,9 @@
 //
 // Plan: a test for each, named after what the driver does.
 
+#include "spcbase/testkit/raw_odbc.h"
 #include "tests/platform/database/session_under_test.h"
 #include "tests/support/memory_meter.h"
-#include "tests/support/raw_odbc.h"
 
 namespace database_test {
 namespace {

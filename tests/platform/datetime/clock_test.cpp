@@ -9,8 +9,8 @@
 
 #include "spcbase/platform/datetime/ctime.h"
 #include "spcbase/platform/datetime/ole_datetime.h"
-#include "tests/support/held_clock.h"
-#include "tests/support/zone_guard.h"
+#include "spcbase/testkit/held_clock.h"
+#include "spcbase/testkit/zone_guard.h"
 
 namespace {
 

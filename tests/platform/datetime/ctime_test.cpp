@@ -5,8 +5,8 @@
 
 #include <gtest/gtest.h>
 
+#include "spcbase/testkit/zone_guard.h"
 #include "tests/support/refusal.h"
-#include "tests/support/zone_guard.h"
 
 namespace {
 

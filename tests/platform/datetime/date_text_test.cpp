@@ -9,9 +9,9 @@
 #include <cmath>
 #include <string>
 
-#include "tests/support/held_clock.h"
+#include "spcbase/testkit/held_clock.h"
+#include "spcbase/testkit/zone_guard.h"
 #include "tests/support/vector_file.h"
-#include "tests/support/zone_guard.h"
 
 namespace {
 

@@ -9,8 +9,8 @@
 
 #include <cmath>
 
-#include "tests/support/held_clock.h"
-#include "tests/support/zone_guard.h"
+#include "spcbase/testkit/held_clock.h"
+#include "spcbase/testkit/zone_guard.h"
 
 namespace {
 

@@ -11,7 +11,7 @@
 #include <random>
 #include <vector>
 
-#include "tests/support/zone_guard.h"
+#include "spcbase/testkit/zone_guard.h"
 
 namespace {
 

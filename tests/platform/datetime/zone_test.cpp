@@ -14,8 +14,8 @@
 
 #include "spcbase/platform/datetime/system_time.h"
 #include "spcbase/platform/system/system_error.h"
+#include "spcbase/testkit/zone_guard.h"
 #include "tests/support/vector_file.h"
-#include "tests/support/zone_guard.h"
 
 namespace {
 

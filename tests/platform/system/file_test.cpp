@@ -20,8 +20,8 @@
 #include <string>
 
 #include "spcbase/platform/system/system_error.h"
+#include "spcbase/testkit/scratch_folder.h"
 #include "tests/support/open_handles.h"
-#include "tests/support/scratch_folder.h"
 
 namespace {
 

@@ -15,8 +15,8 @@
 
 #include "spcbase/platform/system/system_error.h"
 #include "spcbase/platform/system/system_folders.h"
+#include "spcbase/testkit/scratch_folder.h"
 #include "tests/support/environment_guard.h"
-#include "tests/support/scratch_folder.h"
 #include "tests/support/vector_file.h"
 
 namespace {

@@ -19,7 +19,7 @@
 
 #include "spcbase/platform/system/file.h"
 #include "spcbase/platform/system/system_error.h"
-#include "tests/support/scratch_folder.h"
+#include "spcbase/testkit/scratch_folder.h"
 #include "tests/support/vector_file.h"
 
 namespace {

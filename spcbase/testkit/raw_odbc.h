@@ -11,11 +11,14 @@ namespace test_support {
 /// What the driver says of the last call on a handle: "HY000 4711 [vendor] text". The kind is ODBC's SQL_HANDLE_...
 std::string odbc_diagnostic(short kind, void* handle);
 
+/// One connection; it closes when the object goes.
 class RawOdbc {
  public:
+  /// The values of a row as texts; nothing for a null.
   using Row = std::vector<std::optional<std::string>>;
 
-  /// Connects. Fails: std::runtime_error with the driver's text; so do all operations.
+  /// Connects.
+  /// Fails: std::runtime_error with the driver's text; so do all operations.
   explicit RawOdbc(const std::string& connect_text);
   ~RawOdbc();
   RawOdbc(const RawOdbc&) = delete;

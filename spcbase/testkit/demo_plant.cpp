@@ -1,6 +1,6 @@
-#include "tools/plant/demo_plant.h"
+#include "spcbase/testkit/demo_plant.h"
 
-#include "tools/plant/plant.h"
+#include "spcbase/testkit/plant.h"
 
 namespace plant {
 namespace {

@@ -1,4 +1,4 @@
-#include "tests/support/raw_odbc.h"
+#include "spcbase/testkit/raw_odbc.h"
 
 #include <sql.h>
 #include <sqlext.h>

@@ -11,6 +11,8 @@
 ///     ...
 ///     EXPECT_EQ(script->statements(), ...);
 ///
+/// Before an open connection it is put in one step: `auto script = test_support::play(database);`.
+///
 /// Texts are matched as they reach the session: names in the quote characters of its quirks, lifted literals as `?`.
 /// The first rule that matches and is not used up counts. A statement without a rule goes to the real session; without
 /// one it fails, so that no statement passes unseen.
@@ -26,6 +28,7 @@
 #include <variant>
 #include <vector>
 
+#include "spcbase/platform/database/database.h"
 #include "spcbase/platform/database/session.h"
 
 namespace test_support {
@@ -88,7 +91,9 @@ struct SeenCall {
 /// What a scripted session plays, and what it saw. Shared by the test and the session.
 class Script {
  public:
+  /// A rule for one text, to the letter.
   Rule& on(std::string statement);
+  /// A rule for all texts that begin so.
   Rule& on_prefix(std::string beginning);
   /// An ECMAScript expression for the whole text, in any case.
   Rule& on_regex(const std::string& expression);
@@ -155,11 +160,13 @@ class Script {
 /// The session itself.
 class ScriptedSession final : public spcdb::Session {
  public:
+  /// Plays a script, before a real session or, without one, alone.
   explicit ScriptedSession(std::shared_ptr<Script> script, std::unique_ptr<spcdb::Session> real = nullptr);
 
   const spcdb::Quirks& quirks() const override { return quirks_; }
   spcdb::CallGate& gate() override { return real_ ? real_->gate() : gate_; }
   void* native_handle() const override;
+  /// The session's calls, played by the script.
   std::unique_ptr<spcdb::Statement> prepare(std::string_view sql, spcdb::Reading reading) override;
   std::int64_t run(std::string_view sql) override;
   bool transactions_supported() const override;
@@ -175,6 +182,7 @@ class ScriptedSession final : public spcdb::Session {
   spcdb::TableKey find_key(std::string_view table) override;
   void close() noexcept override;
 
+  /// The real session behind it; null without one.
   spcdb::Session* real() { return real_.get(); }
 
  private:
@@ -187,5 +195,9 @@ class ScriptedSession final : public spcdb::Session {
   bool in_transaction_ = false;
   bool closed_ = false;
 };
+
+/// Puts a new script before a connection: it is opened again, by the text that it was opened by, with the script before
+/// it. What is open on it closes; a database in memory begins anew.
+std::shared_ptr<Script> play(CDatabase& database);
 
 }  // namespace test_support

@@ -1,10 +1,10 @@
-#include "tools/plant/plant.h"
+#include "spcbase/testkit/plant.h"
 
 #include "spcbase/foundation/failure.h"
 #include "spcbase/foundation/schema/column_table.h"
 #include "spcbase/foundation/schema/tree.h"
 #include "spcbase/platform/automation/bstr_t.h"
-#include "tools/engine/reference_engine.h"
+#include "spcbase/testkit/reference_engine.h"
 
 namespace plant {
 namespace {

@@ -6,6 +6,7 @@
 
 namespace test_support {
 
+/// One such folder.
 class ScratchFolder {
  public:
   /// Fails: std::filesystem::filesystem_error when the folder cannot be made.
@@ -14,6 +15,7 @@ class ScratchFolder {
   ScratchFolder(const ScratchFolder&) = delete;
   ScratchFolder& operator=(const ScratchFolder&) = delete;
 
+  /// Its full path.
   const std::filesystem::path& path() const { return path_; }
 
   /// The full path of a file of that name in it.

@@ -1,24 +1,20 @@
-/// Databases under test: each test gets one with the whole schema in it and no rows, on each kind of server.
+/// Databases with the whole schema in them and no rows, on each kind of server.
 ///
-///     class Saving : public test_support::DatabaseTest {};
-///     TEST_P(Saving, keeps_what_was_saved) {
-///       db().ExecuteSQL("INSERT ...");
-///       EXPECT_EQ(value("SELECT ..."), "1");    // beside the connection under test
-///     }
-///     INSTANTIATE_TEST_SUITE_P(Servers, Saving, test_support::main_servers(), test_support::server_name);
+///     test_support::SchemaDatabase database(test_support::ServerKind::sqlite);
+///     CDatabaseEx db;
+///     db.OpenEx(database.connect_text().c_str());
+///
+/// Part of the test kit.
 #pragma once
-
-#include <gtest/gtest.h>
 
 #include <memory>
 #include <optional>
 #include <string>
 #include <vector>
 
-#include "spcbase/foundation/connection.h"
-
 namespace test_support {
 
+/// The kinds of servers that tests run on.
 enum class ServerKind {
   sqlite,       ///< SQLite, directly
   mariadb,      ///< the private MariaDB server, through ODBC
@@ -28,18 +24,11 @@ enum class ServerKind {
 /// "sqlite", "mariadb" or "sqlite_odbc".
 const char* name_of(ServerKind kind);
 
-/// The name of a test's parameter.
-std::string server_name(const testing::TestParamInfo<ServerKind>& info);
-
-/// Where every case on a database runs.
-inline auto main_servers() { return testing::Values(ServerKind::sqlite, ServerKind::mariadb); }
-/// Where the cases run that look at what drivers do.
-inline auto all_servers() { return testing::Values(ServerKind::sqlite, ServerKind::mariadb, ServerKind::sqlite_odbc); }
-
 /// A database with the schema and no rows but the running numbers, which are 0. On SQLite a file of its own, copied
 /// from one that was made once; on MariaDB one database for the whole program, which is emptied.
 class SchemaDatabase {
  public:
+  /// The values of a row as texts; nothing for a null.
   using Row = std::vector<std::optional<std::string>>;
 
   /// Fails: std::runtime_error when the database cannot be made; so do `execute`, `rows` and `value`.
@@ -48,6 +37,7 @@ class SchemaDatabase {
   SchemaDatabase(const SchemaDatabase&) = delete;
   SchemaDatabase& operator=(const SchemaDatabase&) = delete;
 
+  /// On which kind of server it stands.
   ServerKind kind() const;
   /// What `CDatabase::OpenEx` connects to it by.
   std::string connect_text() const;
@@ -68,26 +58,6 @@ class SchemaDatabase {
 
  private:
   std::unique_ptr<Place> place_;
-};
-
-/// A test on a database under test, with an open connection to it.
-class DatabaseTest : public testing::TestWithParam<ServerKind> {
- protected:
-  DatabaseTest();
-  ~DatabaseTest() override;
-
-  CDatabaseEx& db() { return db_; }
-  SchemaDatabase& database() { return database_; }
-  ServerKind kind() const { return GetParam(); }
-
-  /// Opens another connection to the same database.
-  std::unique_ptr<CDatabaseEx> second_connection();
-  void execute(const std::string& statement) { database_.execute(statement); }
-  std::string value(const std::string& statement) { return database_.value(statement); }
-
- private:
-  SchemaDatabase database_;
-  CDatabaseEx db_;
 };
 
 }  // namespace test_support

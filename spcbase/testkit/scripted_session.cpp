@@ -1,4 +1,4 @@
-#include "tests/support/scripted_session.h"
+#include "spcbase/testkit/scripted_session.h"
 
 #include <algorithm>
 #include <cstring>
@@ -551,6 +551,15 @@ void ScriptedSession::close() noexcept {
   closed_ = true;
   script_->see("close_session");
   if (real_) real_->close();
+}
+
+std::shared_ptr<Script> play(CDatabase& database) {
+  auto script = std::make_shared<Script>();
+  const CString text = database.GetConnect();
+  const BOOL updatable = database.CanUpdate();
+  auto real = spcdb::open_session(text.view(), updatable == FALSE);
+  database.adopt_session(std::make_unique<ScriptedSession>(script, std::move(real)), updatable);
+  return script;
 }
 
 }  // namespace test_support

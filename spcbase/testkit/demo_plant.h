@@ -21,8 +21,8 @@ namespace plant {
 
 /// A row with an id and a name.
 struct Known {
-  int id = 0;
-  std::string name;
+  int id = 0;        ///< of its row
+  std::string name;  ///< as the demo shows it; UTF-8
 };
 
 /// The demo's plant. Between them the three profiles hold every kind of column.

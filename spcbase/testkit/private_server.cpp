@@ -1,4 +1,4 @@
-#include "tests/support/private_server.h"
+#include "spcbase/testkit/private_server.h"
 
 #include <fcntl.h>
 #include <sys/wait.h>
@@ -10,7 +10,7 @@
 #include <stdexcept>
 #include <utility>
 
-#include "tests/support/raw_odbc.h"
+#include "spcbase/testkit/raw_odbc.h"
 
 namespace test_support {
 namespace {
@@ -39,7 +39,7 @@ class PrivateMariaDb::Keeper {
     if (process_ == 0) {
       ::dup2(commands.read_end, STDIN_FILENO);
       ::dup2(answers.write_end, STDOUT_FILENO);
-      ::execl("/bin/bash", "bash", SPCBASE_PRIVATE_MARIADB, nullptr);
+      ::execl("/bin/bash", "bash", "-c", private_mariadb_script, "private_mariadb", nullptr);
       ::_exit(127);
     }
     ::close(commands.read_end);

@@ -1,4 +1,4 @@
-#include "tests/support/scratch_folder.h"
+#include "spcbase/testkit/scratch_folder.h"
 
 #include <cerrno>
 #include <cstdlib>

@@ -1,14 +1,14 @@
-#include "tests/support/database_fixture.h"
+#include "spcbase/testkit/schema_database.h"
 
 #include <filesystem>
 #include <stdexcept>
 
 #include "schema/ddl.h"
 #include "schema/description.h"
-#include "tests/support/private_server.h"
-#include "tests/support/raw_odbc.h"
-#include "tests/support/raw_sqlite.h"
-#include "tests/support/scratch_folder.h"
+#include "spcbase/testkit/private_server.h"
+#include "spcbase/testkit/raw_odbc.h"
+#include "spcbase/testkit/raw_sqlite.h"
+#include "spcbase/testkit/scratch_folder.h"
 
 namespace test_support {
 
@@ -23,8 +23,6 @@ const char* name_of(ServerKind kind) {
   }
   return "unknown";
 }
-
-std::string server_name(const testing::TestParamInfo<ServerKind>& info) { return name_of(info.param); }
 
 class SchemaDatabase::Place {
  public:
@@ -173,16 +171,6 @@ std::string SchemaDatabase::value(const std::string& statement) {
   const auto found = rows(statement);
   if (found.empty() || found.front().empty()) return "no row";
   return found.front().front().value_or("NULL");
-}
-
-DatabaseTest::DatabaseTest() : database_(GetParam()) { db_.OpenEx(database_.connect_text().c_str()); }
-
-DatabaseTest::~DatabaseTest() { db_.Close(); }
-
-std::unique_ptr<CDatabaseEx> DatabaseTest::second_connection() {
-  auto other = std::make_unique<CDatabaseEx>();
-  other->OpenEx(database_.connect_text().c_str());
-  return other;
 }
 
 }  // namespace test_support

@@ -28,11 +28,12 @@ enum class Kind : unsigned char {
   total,    ///< how many failed of how many, once for each sample
 };
 
+/// A characteristic to be added.
 struct Characteristic {
-  std::string name;
-  std::string description;
-  Kind kind = Kind::number;
-  int pieces = 0;  ///< in a sample; 0 is no fixed number
+  std::string name;          ///< UTF-8
+  std::string description;   ///< may be empty
+  Kind kind = Kind::number;  ///< what it records
+  int pieces = 0;            ///< in a sample; 0 is no fixed number
 };
 
 /// What a value of a label belongs to.
@@ -41,30 +42,36 @@ enum class Holds : unsigned char { whole_sample, each_piece };
 /// What the values of a label are.
 enum class Values : unsigned char { text, moment, growing_list };
 
+/// A label to be added.
 struct Label {
-  std::string name;
-  Holds holds = Holds::whole_sample;
-  Values values = Values::text;
+  std::string name;                   ///< UTF-8
+  Holds holds = Holds::whole_sample;  ///< what a value belongs to
+  Values values = Values::text;       ///< what its values are
 };
 
 /// An element of a profile.
 struct Entry {
-  int id = 0;
-  bool is_label = false;
+  int id = 0;              ///< of the characteristic or label
+  bool is_label = false;   ///< else a characteristic
   bool automatic = false;  ///< a label whose value the system supplies
 };
 
+/// The three kinds of entries: a characteristic,
 inline Entry characteristic(int id) { return {id, false, false}; }
+/// a label that people fill in,
 inline Entry label(int id) { return {id, true, false}; }
+/// and a label that the system fills in.
 inline Entry auto_label(int id) { return {id, true, true}; }
 
 /// Who is listed to see something.
 struct Viewer {
-  int id = 0;
-  bool is_group = false;
+  int id = 0;             ///< of the user or group
+  bool is_group = false;  ///< else a user
 };
 
+/// A user by id.
 inline Viewer user(int id) { return {id, false}; }
+/// A group of users by id.
 inline Viewer group(int id) { return {id, true}; }
 
 /// Adds rows. Belongs to the connection's thread.
@@ -81,6 +88,7 @@ class Builder {
   /// The entries stand in the order given.
   int add_profile(const std::string& name, const std::string& description, const std::vector<Entry>& entries);
 
+  /// A monitor in no folder yet.
   int add_monitor(const std::string& name, const std::string& description);
   /// A group without members; groups have no name here.
   int add_group();

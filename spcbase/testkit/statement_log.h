@@ -13,6 +13,7 @@ namespace test_support {
 /// Keeps the statements of a connection for a scope.
 class StatementLog : public spcdb::StatementObserver {
  public:
+  /// Becomes the observer of a connection until the object goes.
   explicit StatementLog(CDatabase& db) : db_(db) { db_.set_observer(this); }
   ~StatementLog() override { db_.set_observer(nullptr); }
   StatementLog(const StatementLog&) = delete;
@@ -26,6 +27,7 @@ class StatementLog : public spcdb::StatementObserver {
         std::ranges::count_if(statements, [&](const auto& s) { return s.find(text) != std::string::npos; }));
   }
 
+  /// Their texts, in order.
   std::vector<std::string> statements;
 
  private:

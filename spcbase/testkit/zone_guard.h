@@ -10,6 +10,7 @@ namespace test_support {
 /// Sets `TZ` and gives its former value back at the end; a null name takes `TZ` away.
 class ZoneGuard {
  public:
+  /// Sets the zone: a name as tzdata has it.
   explicit ZoneGuard(const char* name) {
     if (const char* old = std::getenv("TZ")) old_ = old;
     set(name);

@@ -1,4 +1,4 @@
-#include "tests/support/raw_sqlite.h"
+#include "spcbase/testkit/raw_sqlite.h"
 
 #include <sqlite3.h>
 

@@ -17,6 +17,9 @@ namespace test_support {
 
 class PrivateMariaDb;
 
+/// The script that keeps a server, for bash.
+extern const char* const private_mariadb_script;
+
 /// A database with a name of its own on a private server; dropped when the object goes.
 class TestDatabase {
  public:
@@ -26,6 +29,7 @@ class TestDatabase {
   TestDatabase& operator=(const TestDatabase&) = delete;
   ~TestDatabase();
 
+  /// Its name on the server.
   const std::string& name() const { return name_; }
 
   /// The connect text of an ODBC connection to it, without the leading "ODBC;".

@@ -1,4 +1,4 @@
-#include "tools/engine/reference_engine.h"
+#include "spcbase/testkit/reference_engine.h"
 
 #include <algorithm>
 #include <string_view>

@@ -18,6 +18,7 @@
 
 namespace test_support {
 
+/// The hook: counts the calls that pass a session's gate, and fails one.
 class FailKthCall final : public spcdb::CallHook {
  public:
   /// Fails the `k`-th call from now on, counted from 1; 0 fails none and only counts.
@@ -40,6 +41,7 @@ class FailKthCall final : public spcdb::CallHook {
   }
   void before_release(const char* function) noexcept override { releases_.emplace_back(function); }
 
+  /// Whether the k-th call was reached, and so failed.
   bool fired() const { return k_ != 0 && functions_.size() >= k_; }
   /// The function whose call was failed; empty when none was.
   std::string failed_function() const { return fired() ? functions_[k_ - 1] : std::string(); }
