@@ -1,8 +1,8 @@
 # What is installed, and where: a tree that may be moved, in four components that are packages too.
 #
 #   library   libspcbase.so.N
-#   dev       headers, CMake package, pkg-config file
-#   command   spc, its pages and completions
+#   dev       headers, CMake package, pkg-config file, documents
+#   command   spc, its manual, completions and schemas
 #   testkit   what a module's author tests with
 include(GNUInstallDirs)
 include(CMakePackageConfigHelpers)
@@ -54,6 +54,11 @@ install_pkgconfig(spcbase-testkit testkit)
 file(RELATIVE_PATH library_from_program /prefix/${CMAKE_INSTALL_BINDIR} /prefix/${CMAKE_INSTALL_LIBDIR})
 set_target_properties(spc PROPERTIES INSTALL_RPATH "$ORIGIN/${library_from_program}")
 install(TARGETS spc RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR} COMPONENT command)
+# Manual, completions and schemas, as spc_pages has written them while building.
+install(DIRECTORY ${PROJECT_BINARY_DIR}/share/ DESTINATION ${CMAKE_INSTALL_DATADIR} COMPONENT command)
+install(FILES README.md CHANGELOG.md DESTINATION ${CMAKE_INSTALL_DOCDIR} COMPONENT dev)
+install(DIRECTORY docs DESTINATION ${CMAKE_INSTALL_DOCDIR} COMPONENT dev
+  FILES_MATCHING PATTERN "*.md" PATTERN "samples/*.cpp" PATTERN reference EXCLUDE)
 
 set(CPACK_GENERATOR DEB)
 set(CPACK_PACKAGE_CONTACT "The spcbase engineers <spcbase@localhost>")
@@ -69,6 +74,7 @@ set(CPACK_DEBIAN_PACKAGE_GENERATE_SHLIBS ON)
 set(CPACK_DEBIAN_ENABLE_COMPONENT_DEPENDS ON)
 set(CPACK_DEBIAN_LIBRARY_PACKAGE_NAME libspcbase${PROJECT_VERSION_MAJOR})
 set(CPACK_DEBIAN_LIBRARY_PACKAGE_SECTION libs)
+set(CPACK_DEBIAN_LIBRARY_PACKAGE_DEPENDS tzdata)
 set(CPACK_DEBIAN_LIBRARY_PACKAGE_RECOMMENDS "odbc-mariadb | odbc-postgresql | tdsodbc")
 set(CPACK_DEBIAN_DEV_PACKAGE_NAME libspcbase-dev)
 set(CPACK_DEBIAN_DEV_PACKAGE_SECTION libdevel)

@@ -23,6 +23,7 @@ class Guard(unittest.TestCase):
         self.root = self.folder.name
         self.plant("VERSION", "1.2.3\n")
         self.plant("CHANGELOG.md", "# Changes\n\n## 1.2.3\n")
+        os.makedirs(os.path.join(self.root, "cmake"))
         shutil.copy(os.path.join(ROOT, "cmake", "layers.txt"), os.path.join(self.root, "cmake"))
         self.plant("spcbase/foundation/failure.h", "#pragma once\n#include <string>\n")
         self.plant("spcbase/foundation/internal/dialect_table.h", "#pragma once\n")
