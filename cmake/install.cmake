@@ -56,18 +56,20 @@ set_target_properties(spc PROPERTIES INSTALL_RPATH "$ORIGIN/${library_from_progr
 install(TARGETS spc RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR} COMPONENT command)
 # Manual, completions and schemas, as spc_pages has written them while building.
 install(DIRECTORY ${PROJECT_BINARY_DIR}/share/ DESTINATION ${CMAKE_INSTALL_DATADIR} COMPONENT command)
-install(FILES README.md CHANGELOG.md DESTINATION ${CMAKE_INSTALL_DOCDIR} COMPONENT dev)
+install(FILES README.md CHANGELOG.md CONTRIBUTING.md DESTINATION ${CMAKE_INSTALL_DOCDIR} COMPONENT dev)
+install(DIRECTORY tools/spc/data DESTINATION ${CMAKE_INSTALL_DOCDIR}/tools/spc COMPONENT dev) # the guides import them
 install(DIRECTORY docs DESTINATION ${CMAKE_INSTALL_DOCDIR} COMPONENT dev
   FILES_MATCHING PATTERN "*.md" PATTERN "samples/*.cpp" PATTERN reference EXCLUDE)
 
 set(CPACK_GENERATOR DEB)
 set(CPACK_PACKAGE_CONTACT "The spcbase engineers <spcbase@localhost>")
-set(CPACK_PACKAGE_DESCRIPTION_SUMMARY "${PROJECT_DESCRIPTION}")
+set(CPACK_PACKAGE_DESCRIPTION_SUMMARY "") # each package has its own
 set(CPACK_PACKAGING_INSTALL_PREFIX /usr)
 set(CPACK_STRIP_FILES ON)
 set(CPACK_DEB_COMPONENT_INSTALL ON)
 set(CPACK_COMPONENTS_ALL library dev command testkit)
 set(CPACK_DEBIAN_FILE_NAME DEB-DEFAULT)
+set(CPACK_OUTPUT_FILE_PREFIX ${PROJECT_BINARY_DIR}/packages)
 set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS ON)
 set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS_PRIVATE_DIRS ${CMAKE_LIBRARY_OUTPUT_DIRECTORY})
 set(CPACK_DEBIAN_PACKAGE_GENERATE_SHLIBS ON)
@@ -84,11 +86,15 @@ set(CPACK_DEBIAN_TESTKIT_PACKAGE_NAME libspcbase-testkit-dev)
 set(CPACK_DEBIAN_TESTKIT_PACKAGE_SECTION libdevel)
 set(CPACK_DEBIAN_TESTKIT_PACKAGE_DEPENDS "unixodbc-dev, libsqlite3-dev")
 set(CPACK_DEBIAN_TESTKIT_PACKAGE_RECOMMENDS "libgtest-dev, mariadb-server-core, mariadb-client-core, odbc-mariadb")
-set(CPACK_COMPONENT_LIBRARY_DESCRIPTION "${PROJECT_DESCRIPTION}: the shared library")
-set(CPACK_COMPONENT_DEV_DESCRIPTION "${PROJECT_DESCRIPTION}: headers, CMake package and pkg-config file")
+set(CPACK_COMPONENT_LIBRARY_DESCRIPTION "base library of a statistical-process-control product
+Keeps samples, profiles, revisions and what surrounds them in SQLite or on a server with an ODBC driver.")
+set(CPACK_COMPONENT_DEV_DESCRIPTION "base library of an SPC product, development files
+Headers, CMake package, pkg-config file and the guides.")
 set(CPACK_COMPONENT_DEV_DEPENDS library)
-set(CPACK_COMPONENT_COMMAND_DESCRIPTION "${PROJECT_DESCRIPTION}: the spc command for administrators")
+set(CPACK_COMPONENT_COMMAND_DESCRIPTION "command for the databases of an SPC product
+Makes, checks and audits databases, imports and shows samples, keeps revisions and data sources.")
 set(CPACK_COMPONENT_COMMAND_DEPENDS library)
-set(CPACK_COMPONENT_TESTKIT_DESCRIPTION "${PROJECT_DESCRIPTION}: what a module is tested with")
+set(CPACK_COMPONENT_TESTKIT_DESCRIPTION "base library of an SPC product, test kit
+Scripted sessions, private servers, plants, a held clock and a data-entry engine, to test modules with.")
 set(CPACK_COMPONENT_TESTKIT_DEPENDS dev)
 include(CPack)

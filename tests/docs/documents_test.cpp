@@ -1,8 +1,10 @@
 // Plan
 //   Links: each leads to a file, and to a heading when it names one; each page under docs/ can be reached from its
-//   contents README: two commands first, and short Blocks: each is C++ out of a sample, commands that are run and say
-//   what is shown, tasks that exist, or a format with a
-//     reason below; the list below has nothing that has gone
+//   contents
+//   README: two commands first, and short
+//   Blocks: each is C++ out of a sample, commands that are run and say what is shown, tasks that exist, what the tests
+//   of
+//     installing do, or a format with a reason below; the list below has nothing that has gone
 //   Samples: each is shown by a page and run there; the whole host fails where it must
 //   The reading of documents itself: headings, moved in blocks, continued commands
 #include <gtest/gtest.h>
@@ -119,10 +121,19 @@ std::string all_samples() {
   return text;
 }
 
+/// The scripts and projects that install the library and link it: what the guide of that shows stands in them.
+std::string all_of_installing() {
+  std::string text;
+  for (const auto& entry : fs::recursive_directory_iterator(tree / "tests" / "install"))
+    if (entry.is_regular_file()) text += '\n' + documents::text_of(entry.path());
+  return text;
+}
+
 bool is_task(const std::string& line) {
   static const std::regex task(R"(^(\./dev|\.ci/run)( ([a-z]+))?.*)");
   std::smatch found;
-  if (line.starts_with("export PATH=")) return true;
+  if (line.starts_with("export PATH=") || all_of_installing().find('\n' + line + '\n') != std::string::npos)
+    return true;
   if (!std::regex_match(line, found, task)) return false;
   if (found[1] == ".ci/run") return fs::exists(tree / ".ci" / "run");
   return documents::text_of(tree / "dev").find("\n./dev " + found[3].str() + ' ') != std::string::npos;
@@ -146,6 +157,8 @@ TEST(Documents, show_nothing_that_nobody_tries) {
       const std::string where = place(document, block.line) + "\n" + block.text;
       if (block.language == "cpp") {
         EXPECT_NE(samples.find(block.text), std::string::npos) << where << "stands in no sample of docs/samples";
+      } else if (block.language == "cmake") {
+        EXPECT_NE(all_of_installing().find(block.text), std::string::npos) << where << "stands in no tests/install";
       } else if (block.language == "sh") {
         std::istringstream lines(block.text);
         for (std::string line; std::getline(lines, line);)
