@@ -29,7 +29,7 @@ inline auto all_servers() { return testing::Values(ServerKind::sqlite, ServerKin
 /// A test on a database under test, with an open connection to it.
 class DatabaseTest : public testing::TestWithParam<ServerKind> {
  protected:
-  DatabaseTest() : database_(GetParam()) { db_.OpenEx(database_.connect_text().c_str()); }
+  DatabaseTest() : database_(GetParam()) { database_.open(db_); }
   ~DatabaseTest() override { db_.Close(); }
 
   /// The connection under test.
@@ -42,7 +42,7 @@ class DatabaseTest : public testing::TestWithParam<ServerKind> {
   /// Opens another connection to the same database.
   std::unique_ptr<CDatabaseEx> second_connection() {
     auto other = std::make_unique<CDatabaseEx>();
-    other->OpenEx(database_.connect_text().c_str());
+    database_.open(*other);
     return other;
   }
   void execute(const std::string& statement) { database_.execute(statement); }

@@ -2,8 +2,7 @@
 /// succeeds.
 ///
 ///     for (std::size_t k = 1;; ++k) {
-///       test_support::FailKthCall hook(k);
-///       session.gate().set_hook(&hook);
+///       test_support::FailKthCall hook(db, k);
 ///       run_and_check();
 ///       if (!hook.fired()) break;  // the run needs fewer than k calls
 ///     }
@@ -12,9 +11,11 @@
 #include <cstddef>
 #include <optional>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "spcbase/platform/database/call_gate.h"
+#include "spcbase/platform/database/database.h"
 
 namespace test_support {
 
@@ -22,7 +23,16 @@ namespace test_support {
 class FailKthCall final : public spcdb::CallHook {
  public:
   /// Fails the `k`-th call from now on, counted from 1; 0 fails none and only counts.
-  explicit FailKthCall(std::size_t k, spcdb::Diagnostic diagnostic = staged()) : k_(k), diagnostic_(diagnostic) {}
+  /// Whoever sets it as the hook of a session's gate takes it away again.
+  explicit FailKthCall(std::size_t k, spcdb::Diagnostic diagnostic = staged())
+      : k_(k), diagnostic_(std::move(diagnostic)) {}
+  /// The same, set as the hook of an open connection for as long as the object lives, or until the connection closes.
+  /// The connection must outlive it.
+  /// Fails: std::logic_error when the connection is not open.
+  FailKthCall(CDatabase& db, std::size_t k, spcdb::Diagnostic diagnostic = staged());
+  ~FailKthCall() override;
+  FailKthCall(const FailKthCall&) = delete;
+  FailKthCall& operator=(const FailKthCall&) = delete;
 
   /// The diagnostic of a call that fails for no reason that a driver would have.
   static spcdb::Diagnostic staged() {
@@ -52,6 +62,7 @@ class FailKthCall final : public spcdb::CallHook {
  private:
   std::size_t k_;
   spcdb::Diagnostic diagnostic_;
+  CDatabase* db_ = nullptr;
   std::vector<std::string> functions_;
   std::vector<std::string> releases_;
 };

@@ -6,7 +6,7 @@
 #   "start"    starts it again on the same data, prints "ready SOCKET TEMPLATE"
 #   end of standard input: stops the server and removes its folder; so neither outlives a starter that crashed
 #
-# A failure prints "failed" and puts the server's log on standard error. SPC_TEST_MARIADB_TEMPLATE names a fresh data
+# A failure prints "failed REASON" and puts the server's log on standard error. SPC_TEST_MARIADB_TEMPLATE names a fresh data
 # folder to copy, which is faster than installing one.
 set -u
 
@@ -14,7 +14,7 @@ folder=
 server=
 fail() {
   { echo "private_mariadb: $1"; [ -n "$folder" ] && cat "$folder/install.log" "$folder/err.log" 2>/dev/null; } >&2
-  echo failed
+  echo "failed $1"
   exit 1
 }
 remove() {
@@ -24,6 +24,15 @@ remove() {
 trap remove EXIT
 trap 'exit 1' HUP INT TERM
 
+# Where servers stand, for users too.
+PATH=$PATH:/usr/sbin:/sbin
+
+need() { command -v "$1" >/dev/null || fail "the program $1 is missing; the package $2 has it"; }
+need mariadb-install-db mariadb-server-core
+need mariadbd mariadb-server-core
+need mariadb mariadb-client-core
+need setpriv util-linux
+
 # The server refuses to run as root.
 as_user=(setpriv --pdeathsig KILL)
 user=
@@ -32,7 +41,6 @@ if [ "$(id -u)" -eq 0 ]; then
   if id mysql >/dev/null 2>&1; then user=mysql; fi
   as_user+=(--reuid="$user" --regid="$(id -gn "$user")" --clear-groups)
 fi
-PATH=$PATH:/usr/sbin:/sbin
 
 # Nothing here must outlive the run, so nothing waits for the disk.
 lax=(--innodb-flush-log-at-trx-commit=2 --innodb-flush-method=O_DIRECT_NO_FSYNC --skip-innodb-doublewrite

@@ -4,10 +4,12 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <atomic>
 #include <cstdlib>
 #include <sstream>
 #include <stdexcept>
+#include <string_view>
 #include <utility>
 
 #include "spcbase/testkit/raw_odbc.h"
@@ -40,7 +42,9 @@ class PrivateMariaDb::Keeper {
       ::dup2(commands.read_end, STDIN_FILENO);
       ::dup2(answers.write_end, STDOUT_FILENO);
       ::execl("/bin/bash", "bash", "-c", private_mariadb_script, "private_mariadb", nullptr);
-      ::_exit(127);
+      constexpr std::string_view no_bash = "failed the program /bin/bash is missing; the package bash has it\n";
+      const auto told = ::write(STDOUT_FILENO, no_bash.data(), no_bash.size());
+      ::_exit(told > 0 ? 127 : 126);
     }
     ::close(commands.read_end);
     ::close(answers.write_end);
@@ -73,11 +77,10 @@ class PrivateMariaDb::Keeper {
     std::istringstream words(line);
     std::string first;
     words >> first;
-    if (first != word) {
-      throw std::runtime_error("the private MariaDB server answered '" + line + "' instead of '" + word +
-                               "'; its log stands on standard error");
-    }
-    return words;
+    if (first == word) return words;
+    if (first != "failed") throw std::runtime_error("the keeper of the private MariaDB server ended without an answer");
+    const std::string why = line.substr(std::min(line.size(), first.size() + 1));
+    throw std::runtime_error("the private MariaDB server does not run: " + why + " (its log stands on standard error)");
   }
 
  private:

@@ -7,6 +7,8 @@
 ///
 /// A test that kills its server makes one of its own: `test_support::PrivateMariaDb server;`. A server that does not
 /// start is a failure of the test, with the server's log on standard error; it is never a reason to pass over the test.
+/// The server's programs come from the packages mariadb-server-core and mariadb-client-core, its driver from
+/// odbc-mariadb; what is missing is named by the failure.
 /// A child that a test forks leaves through `_exit`: else it would drop its parent's databases.
 #pragma once
 
@@ -46,12 +48,14 @@ class TestDatabase {
 /// A private MariaDB server. One object belongs to one thread at a time.
 class PrivateMariaDb {
  public:
-  /// The server of the whole run when the run announces one, else one for this program, started at the first call and
-  /// stopped at the program's end. Never to be killed by a test.
+  /// The server of the whole run when the variable SPC_TEST_MARIADB_SOCKET names its socket (user spc, password spc,
+  /// every right), else one for this program, started at the first call and stopped at the program's end. Never to be
+  /// killed by a test.
   /// Fails: std::runtime_error when it does not start.
   static PrivateMariaDb& shared();
 
   /// Starts a server of its own. It dies with this object, and with this process however that ends.
+  /// Fails: std::runtime_error when it does not start.
   PrivateMariaDb();
   ~PrivateMariaDb();
   PrivateMariaDb(const PrivateMariaDb&) = delete;
@@ -64,9 +68,11 @@ class PrivateMariaDb {
   std::string odbc_connect_text(const std::string& database) const;
 
   /// A fresh, empty database.
+  /// Fails: std::runtime_error when the driver is missing or refuses.
   TestDatabase create_database();
 
-  /// Kills the server with SIGKILL and waits until it is gone. Only on a server of one's own.
+  /// Kills the server with SIGKILL and waits until it is gone.
+  /// Fails: std::logic_error on the server of the whole run, which is not one's own; so does `restart`.
   void kill_hard();
 
   /// Starts a killed server again on the same data and the same socket.

@@ -5,6 +5,7 @@
 
 #include <array>
 #include <stdexcept>
+#include <utility>
 
 namespace test_support {
 namespace {
@@ -36,7 +37,11 @@ class Statement {
     return count;
   }
 
-  bool fetch() { return SQL_SUCCEEDED(SQLFetch(handle_)); }
+  bool fetch() {
+    const SQLRETURN result = SQLFetch(handle_);
+    if (!SQL_SUCCEEDED(result) && result != SQL_NO_DATA) refuse();
+    return result != SQL_NO_DATA;
+  }
 
   std::optional<std::string> text(SQLUSMALLINT column) {
     std::string whole;
@@ -45,7 +50,8 @@ class Statement {
     SQLRETURN result = SQL_SUCCESS_WITH_INFO;
     while (result == SQL_SUCCESS_WITH_INFO) {
       result = SQLGetData(handle_, column, SQL_C_CHAR, piece.data(), static_cast<SQLLEN>(piece.size()), &length);
-      if (!SQL_SUCCEEDED(result)) break;
+      if (result == SQL_NO_DATA) break;
+      if (!SQL_SUCCEEDED(result)) refuse();
       if (length == SQL_NULL_DATA) return std::nullopt;
       whole += piece.data();
     }
@@ -53,8 +59,22 @@ class Statement {
   }
 
  private:
+  /// An answer that ends early must not pass for a whole one.
+  [[noreturn]] void refuse() { throw std::runtime_error(odbc_diagnostic(SQL_HANDLE_STMT, handle_)); }
+
   SQLHSTMT handle_ = SQL_NULL_HSTMT;
 };
+
+/// What to install when a driver of the kit is missing; empty for any other failure, and any other driver.
+std::string what_to_install(const std::string& connect_text, const std::string& failure) {
+  // The driver manager's words for a driver that is not registered, or whose library is gone.
+  if (failure.find("Can't open lib") == std::string::npos) return {};
+  for (const auto& [driver, package] :
+       {std::pair("MariaDB Unicode", "odbc-mariadb"), std::pair("SQLite3", "libsqliteodbc")})
+    if (connect_text.find(driver) != std::string::npos)
+      return std::string("; the ODBC driver ") + driver + " is missing; the package " + package + " has it";
+  return {};
+}
 
 }  // namespace
 
@@ -76,7 +96,8 @@ RawOdbc::RawOdbc(const std::string& connect_text) {
   const SQLRETURN result =
       SQLDriverConnect(connection_, nullptr, narrow(connect_text), SQL_NTS, nullptr, 0, nullptr, SQL_DRIVER_NOPROMPT);
   if (SQL_SUCCEEDED(result)) return;
-  const std::string why = odbc_diagnostic(SQL_HANDLE_DBC, connection_);
+  std::string why = odbc_diagnostic(SQL_HANDLE_DBC, connection_);
+  why += what_to_install(connect_text, why);
   SQLFreeHandle(SQL_HANDLE_DBC, connection_);
   SQLFreeHandle(SQL_HANDLE_ENV, environment_);
   throw std::runtime_error(why);
@@ -94,7 +115,7 @@ std::vector<RawOdbc::Row> RawOdbc::rows(const std::string& statement) {
   Statement opened(connection_, statement);
   const SQLSMALLINT columns = opened.columns();
   std::vector<Row> all;
-  while (opened.fetch()) {
+  while (columns > 0 && opened.fetch()) {
     Row& row = all.emplace_back();
     for (SQLSMALLINT column = 1; column <= columns; ++column) {
       row.push_back(opened.text(static_cast<SQLUSMALLINT>(column)));

@@ -18,7 +18,8 @@ class RawOdbc {
   using Row = std::vector<std::optional<std::string>>;
 
   /// Connects.
-  /// Fails: std::runtime_error with the driver's text; so do all operations.
+  /// Fails: std::runtime_error with the driver's text, and the package to install when a driver of the kit is missing;
+  ///        so do all operations, with the driver's text.
   explicit RawOdbc(const std::string& connect_text);
   ~RawOdbc();
   RawOdbc(const RawOdbc&) = delete;

@@ -19,8 +19,9 @@ int add_row(void* all, int columns, char** values, char** /*names*/) {
 RawSqlite::RawSqlite(const std::string& file) {
   const int result = sqlite3_open(file.c_str(), &database_);
   if (result != SQLITE_OK) {
+    const std::string why = database_ == nullptr ? "out of memory" : sqlite3_errmsg(database_);
     sqlite3_close(database_);
-    throw std::runtime_error("cannot open " + file);
+    throw std::runtime_error("cannot open " + file + ": " + why);
   }
   sqlite3_busy_timeout(database_, 2000);
 }
@@ -29,11 +30,8 @@ RawSqlite::~RawSqlite() { sqlite3_close(database_); }
 
 std::vector<RawSqlite::Row> RawSqlite::rows(const std::string& statement) {
   std::vector<Row> all;
-  char* why = nullptr;
-  if (sqlite3_exec(database_, statement.c_str(), &add_row, &all, &why) == SQLITE_OK) return all;
-  const std::string text = std::string(why) + " in: " + statement;
-  sqlite3_free(why);
-  throw std::runtime_error(text);
+  if (sqlite3_exec(database_, statement.c_str(), &add_row, &all, nullptr) == SQLITE_OK) return all;
+  throw std::runtime_error(std::string(sqlite3_errmsg(database_)) + " in: " + statement);
 }
 
 }  // namespace test_support

@@ -16,6 +16,7 @@ class RawSqlite {
   using Row = std::vector<std::optional<std::string>>;
 
   /// Opens a file, made when it is missing; ":memory:" is a database of its own. Waits up to 2 seconds for a lock.
+  /// Fails: std::runtime_error when the file can be neither opened nor made.
   explicit RawSqlite(const std::string& file);
   ~RawSqlite();
   RawSqlite(const RawSqlite&) = delete;

@@ -2,9 +2,11 @@
 
 #include <filesystem>
 #include <stdexcept>
+#include <utility>
 
 #include "schema/ddl.h"
 #include "schema/description.h"
+#include "spcbase/foundation/outcome.h"
 #include "spcbase/testkit/private_server.h"
 #include "spcbase/testkit/raw_odbc.h"
 #include "spcbase/testkit/raw_sqlite.h"
@@ -59,13 +61,15 @@ const std::string& sqlite_template() {
 
 class SqlitePlace : public SchemaDatabase::Place {
  public:
-  explicit SqlitePlace(bool odbc) : odbc_(odbc) { std::filesystem::copy_file(sqlite_template(), file_); }
+  explicit SqlitePlace(bool odbc) : odbc_(odbc) {
+    std::filesystem::copy_file(sqlite_template(), file_);
+    // Once: it names the package when the driver is missing.
+    if (odbc_) static_cast<void>(driver_is_there());
+  }
 
   ServerKind kind() const override { return odbc_ ? ServerKind::sqlite_odbc : ServerKind::sqlite; }
   std::string connect_text() const override { return odbc_ ? raw_odbc_text() : "sqlite:" + file_; }
-  std::string raw_odbc_text() const override {
-    return "Driver=SQLite3;Database=" + file_ + ";FKSupport=1;Timeout=2000";
-  }
+  std::string raw_odbc_text() const override { return raw_odbc_text_of(file_); }
   std::vector<Row> rows(const std::string& statement) override {
     if (plain_ == nullptr) plain_ = std::make_unique<RawSqlite>(file_);
     return plain_->rows(statement);
@@ -73,6 +77,14 @@ class SqlitePlace : public SchemaDatabase::Place {
   void spoil() override {}
 
  private:
+  static bool driver_is_there() {
+    static const bool there = (RawOdbc(raw_odbc_text_of(":memory:")), true);
+    return there;
+  }
+  static std::string raw_odbc_text_of(const std::string& file) {
+    return "Driver=SQLite3;Database=" + file + ";FKSupport=1;Timeout=2000";
+  }
+
   bool odbc_;
   ScratchFolder folder_;
   std::string file_ = folder_.file("plant.db");
@@ -127,25 +139,27 @@ std::unique_ptr<MariaDbDatabase>& kept_mariadb() {
 
 class MariaDbPlace : public SchemaDatabase::Place {
  public:
-  MariaDbPlace() {
-    auto& kept = kept_mariadb();
-    if (kept == nullptr) kept = std::make_unique<MariaDbDatabase>();
-    kept->empty();
+  MariaDbPlace() : database_(std::move(kept_mariadb())) {
+    if (database_ == nullptr)
+      database_ = std::make_unique<MariaDbDatabase>();
+    else
+      database_->empty();
+  }
+  ~MariaDbPlace() override {
+    if (!spoiled_ && kept_mariadb() == nullptr) kept_mariadb() = std::move(database_);
   }
 
   ServerKind kind() const override { return ServerKind::mariadb; }
   std::string connect_text() const override { return raw_odbc_text(); }
-  std::string raw_odbc_text() const override { return kept_mariadb()->odbc_connect_text(); }
+  std::string raw_odbc_text() const override { return database_->odbc_connect_text(); }
   std::vector<Row> rows(const std::string& statement) override {
     // Another connection's commit must be seen: no snapshot of this connection may stand in the way.
-    return kept_mariadb()->plain().rows(statement);
+    return database_->plain().rows(statement);
   }
   void spoil() override { spoiled_ = true; }
-  ~MariaDbPlace() override {
-    if (spoiled_) kept_mariadb().reset();
-  }
 
  private:
+  std::unique_ptr<MariaDbDatabase> database_;
   bool spoiled_ = false;
 };
 
@@ -166,6 +180,11 @@ std::string SchemaDatabase::raw_odbc_text() const { return place_->raw_odbc_text
 void SchemaDatabase::execute(const std::string& statement) { place_->rows(statement); }
 std::vector<SchemaDatabase::Row> SchemaDatabase::rows(const std::string& statement) { return place_->rows(statement); }
 void SchemaDatabase::spoil() { place_->spoil(); }
+
+void SchemaDatabase::open(CDatabase& connection) const {
+  const auto opened = guarded([&] { connection.OpenEx(connect_text().c_str()); });
+  if (!opened) throw std::runtime_error(opened.failure().text.GetString());
+}
 
 std::string SchemaDatabase::value(const std::string& statement) {
   const auto found = rows(statement);

@@ -2,7 +2,7 @@
 ///
 ///     test_support::SchemaDatabase database(test_support::ServerKind::sqlite);
 ///     CDatabaseEx db;
-///     db.OpenEx(database.connect_text().c_str());
+///     database.open(db);
 ///
 /// Part of the test kit.
 #pragma once
@@ -11,6 +11,8 @@
 #include <optional>
 #include <string>
 #include <vector>
+
+#include "spcbase/platform/database/database.h"
 
 namespace test_support {
 
@@ -24,8 +26,9 @@ enum class ServerKind {
 /// "sqlite", "mariadb" or "sqlite_odbc".
 const char* name_of(ServerKind kind);
 
-/// A database with the schema and no rows but the running numbers, which are 0. On SQLite a file of its own, copied
-/// from one that was made once; on MariaDB one database for the whole program, which is emptied.
+/// A database with the schema and no rows but the running numbers, which are 0; no other object has it. On SQLite a
+/// file copied from one that was made once, on MariaDB a database that a former object left, emptied, else a new one.
+/// Close the connections to it first.
 class SchemaDatabase {
  public:
   /// The values of a row as texts; nothing for a null.
@@ -39,6 +42,10 @@ class SchemaDatabase {
 
   /// On which kind of server it stands.
   ServerKind kind() const;
+  /// Connects to it.
+  /// Fails: std::runtime_error with the driver's text, which a test program shows where it says nothing of a
+  ///        CDBException*.
+  void open(CDatabase& connection) const;
   /// What `CDatabase::OpenEx` connects to it by.
   std::string connect_text() const;
   /// The text for a connection in plain ODBC, for SQLite too.
@@ -50,7 +57,7 @@ class SchemaDatabase {
   /// The first column of the first row; "NULL" for a null, "no row" when there is none.
   std::string value(const std::string& statement);
 
-  /// To be called by a test that changes the schema: nobody else gets this database.
+  /// To be called by a test that changes the schema: nobody gets this database after it.
   void spoil();
 
   /// One kind of server's part of it.

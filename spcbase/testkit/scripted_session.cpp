@@ -2,7 +2,9 @@
 
 #include <algorithm>
 #include <cstring>
+#include <stdexcept>
 
+#include "spcbase/platform/database/connection.h"
 #include "spcbase/platform/database/db_exception.h"
 #include "spcbase/platform/database/moment_text.h"
 #include "spcbase/platform/database/value_text.h"
@@ -97,12 +99,27 @@ Rule* Script::find(const std::string& statement) {
   return nullptr;
 }
 
+namespace {
+
+bool bounds_a_transaction(const std::string& function) {
+  return function == "begin" || function == "commit" || function == "rollback";
+}
+
+/// A rule that nothing ever meets would let a test pass that proves nothing.
+[[noreturn]] void refuse_function(const char* rule, const std::string& function) {
+  throw std::invalid_argument(std::string(rule) + ": \"" + function + "\" is no call that it is for");
+}
+
+}  // namespace
+
 Script& Script::refuse_call(const std::string& function, spcdb::Diagnostic diagnostic, std::size_t times) {
+  if (!bounds_a_transaction(function) && function != "find_key") refuse_function("refuse_call", function);
   call_rules_.emplace(function, CallRule{std::move(diagnostic), times, false});
   return *this;
 }
 
 Script& Script::lose_answer(const std::string& function, spcdb::Diagnostic diagnostic, std::size_t times) {
+  if (!bounds_a_transaction(function)) refuse_function("lose_answer", function);
   call_rules_.emplace(function, CallRule{std::move(diagnostic), times, true});
   return *this;
 }
@@ -553,9 +570,13 @@ void ScriptedSession::close() noexcept {
   if (real_) real_->close();
 }
 
-std::shared_ptr<Script> play(CDatabase& database) {
-  auto script = std::make_shared<Script>();
+std::shared_ptr<Script> play(CDatabase& database, std::shared_ptr<Script> script) {
+  auto* const connection = database.connection();
+  if (connection == nullptr) throw std::logic_error("play: the connection is not open");
+  if (connection->in_transaction || connection->session().in_transaction())
+    throw std::logic_error("play: a transaction is open, which opening the connection again would roll back");
   const CString text = database.GetConnect();
+  if (text.IsEmpty()) throw std::logic_error("play: the connection has no connect text to be opened by again");
   const BOOL updatable = database.CanUpdate();
   auto real = spcdb::open_session(text.view(), updatable == FALSE);
   database.adopt_session(std::make_unique<ScriptedSession>(script, std::move(real)), updatable);

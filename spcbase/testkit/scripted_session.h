@@ -11,7 +11,8 @@
 ///     ...
 ///     EXPECT_EQ(script->statements(), ...);
 ///
-/// Before an open connection it is put in one step: `auto script = test_support::play(database);`.
+/// Before an open connection it is put in one step: `auto script = test_support::play(database);`. Rules may be added
+/// at any time.
 ///
 /// Texts are matched as they reach the session: names in the quote characters of its quirks, lifted literals as `?`.
 /// The first rule that matches and is not used up counts. A statement without a rule goes to the real session; without
@@ -99,8 +100,9 @@ class Script {
   Rule& on_regex(const std::string& expression);
 
   /// Fails begin, commit, rollback or find_key the next `times` times.
+  /// Fails: std::invalid_argument for any other function; statements have rules. So does `lose_answer`.
   Script& refuse_call(const std::string& function, spcdb::Diagnostic diagnostic, std::size_t times = 1);
-  /// Lets commit or rollback happen and fails it all the same: the answer was lost on its way.
+  /// Lets begin, commit or rollback happen and fails it all the same: the answer was lost on its way.
   Script& lose_answer(const std::string& function, spcdb::Diagnostic diagnostic, std::size_t times = 1);
 
   /// Capabilities. What is not told comes from the real session, or is that of a server that keeps to the standard.
@@ -196,8 +198,12 @@ class ScriptedSession final : public spcdb::Session {
   bool closed_ = false;
 };
 
-/// Puts a new script before a connection: it is opened again, by the text that it was opened by, with the script before
-/// it. What is open on it closes; a database in memory begins anew.
-std::shared_ptr<Script> play(CDatabase& database);
+/// Puts a script before a connection: it is opened again, by the text that it was opened by, with the script before it.
+/// What is open on it closes; a database in memory begins anew; a script that was played before is done with. Whether
+/// there are transactions, the quirks and the quotes are asked once, here: a script that tells them is made before.
+/// Returns: the script.
+/// Fails: std::logic_error when the connection is not open, when a transaction is open on it, or when it has no text to
+///        be opened by; CDBException* when it cannot be opened again. It is then as it was.
+std::shared_ptr<Script> play(CDatabase& database, std::shared_ptr<Script> script = std::make_shared<Script>());
 
 }  // namespace test_support

@@ -1,4 +1,8 @@
-/// The statements that a connection was given.
+/// The statements that a connection was given, BEGIN, COMMIT and ROLLBACK too.
+///
+///     test_support::StatementLog log(db);
+///     save(db);
+///     EXPECT_EQ(log.count("INSERT INTO [CSVDAT]"), 5);
 #pragma once
 
 #include <algorithm>
@@ -13,9 +17,10 @@ namespace test_support {
 /// Keeps the statements of a connection for a scope.
 class StatementLog : public spcdb::StatementObserver {
  public:
-  /// Becomes the observer of a connection until the object goes.
-  explicit StatementLog(CDatabase& db) : db_(db) { db_.set_observer(this); }
-  ~StatementLog() override { db_.set_observer(nullptr); }
+  /// Becomes the observer of a connection, which must outlive it. The former observer hears nothing until the object
+  /// goes.
+  explicit StatementLog(CDatabase& db) : db_(db), former_(db.observer()) { db_.set_observer(this); }
+  ~StatementLog() override { db_.set_observer(former_); }
   StatementLog(const StatementLog&) = delete;
   StatementLog& operator=(const StatementLog&) = delete;
   void on_statement(const spcdb::StatementReport& report) noexcept override {
@@ -27,11 +32,12 @@ class StatementLog : public spcdb::StatementObserver {
         std::ranges::count_if(statements, [&](const auto& s) { return s.find(text) != std::string::npos; }));
   }
 
-  /// Their texts, in order.
+  /// Their texts as they were given, in order; `?` for a parameter of the library's own.
   std::vector<std::string> statements;
 
  private:
   CDatabase& db_;
+  spcdb::StatementObserver* former_;
 };
 
 }  // namespace test_support

@@ -2,12 +2,14 @@
 #pragma once
 
 #include <cstdlib>
+#include <ctime>
 #include <optional>
 #include <string>
 
 namespace test_support {
 
-/// Sets `TZ` and gives its former value back at the end; a null name takes `TZ` away.
+/// Sets `TZ` and gives its former value back at the end; a null name takes `TZ` away. The zone is the whole process's:
+/// no other thread may look at the environment meanwhile.
 class ZoneGuard {
  public:
   /// Sets the zone: a name as tzdata has it.
@@ -26,6 +28,7 @@ class ZoneGuard {
     } else {
       unsetenv("TZ");
     }
+    tzset();  // for C's own functions; the library looks at TZ each time
   }
 
   std::optional<std::string> old_;

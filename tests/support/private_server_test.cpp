@@ -2,10 +2,10 @@
 //   A fresh database is empty, has a name of its own and is dropped with its object -> TestDatabase
 //   A private server can be killed and comes back with its data on the same socket -> PrivateMariaDb
 //   Its folder is gone with the object, and after a crash of the program that started it -> PrivateMariaDb
-//   Null and empty stay apart, long texts come whole, a refused statement throws -> RawOdbc
-//   A scratch folder is empty, and gone with its object -> ScratchFolder
+//   What keeps it from starting is told: a program that is missing by its package -> PrivateMariaDb
 #include "spcbase/testkit/private_server.h"
 
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -19,6 +19,7 @@
 
 #include "spcbase/testkit/raw_odbc.h"
 #include "spcbase/testkit/scratch_folder.h"
+#include "tests/support/environment_guard.h"
 
 namespace {
 
@@ -91,34 +92,29 @@ TEST(PrivateMariaDb, its_folder_is_gone_after_a_crash_of_its_program) {
   EXPECT_FALSE(std::filesystem::exists(folder));
 }
 
-TEST(RawOdbc, keeps_null_apart_from_empty_and_reads_long_texts_whole) {
-  RawOdbc connection(PrivateMariaDb::shared().odbc_connect_text({}));
-  const auto rows = connection.rows("SELECT NULL, '', REPEAT('x', 10000)");
-  ASSERT_EQ(rows.size(), 1U);
-  EXPECT_EQ(rows[0][0], std::nullopt);
-  EXPECT_EQ(rows[0][1], "");
-  EXPECT_EQ(rows[0][2], std::string(10000, 'x'));
-}
-
-TEST(RawOdbc, a_refused_statement_throws_with_state_and_native_code) {
-  RawOdbc connection(PrivateMariaDb::shared().odbc_connect_text({}));
+TEST(PrivateMariaDb, names_the_package_of_a_program_that_is_missing) {
+  const ScratchFolder bare;
+  const test_support::EnvironmentGuard path("PATH", bare.path().string());
   try {
-    connection.execute("SELECT nothing FROM nowhere.nothing");
-    FAIL() << "the statement was not refused";
+    const PrivateMariaDb server;
+    FAIL() << "a server without its programs";
   } catch (const std::runtime_error& failure) {
-    EXPECT_TRUE(std::string(failure.what()).starts_with("42S02 ")) << failure.what();
+    EXPECT_THAT(failure.what(), testing::HasSubstr("the program mariadb-install-db is missing; the package "
+                                                   "mariadb-server-core has it"));
   }
 }
 
-TEST(ScratchFolder, is_empty_and_gone_with_its_object) {
-  std::filesystem::path path;
-  {
-    const ScratchFolder folder;
-    path = folder.path();
-    EXPECT_TRUE(std::filesystem::is_empty(path));
-    std::ofstream(folder.file("x")) << "x";
+TEST(PrivateMariaDb, tells_why_it_does_not_start) {
+  const ScratchFolder bare;
+  const test_support::EnvironmentGuard missing("SPC_TEST_MARIADB_TEMPLATE", bare.file("missing"));
+  try {
+    const PrivateMariaDb server;
+    FAIL() << "a server without data";
+  } catch (const std::runtime_error& failure) {
+    EXPECT_STREQ(failure.what(),
+                 "the private MariaDB server does not run: the data folder could not be copied (its log stands on "
+                 "standard error)");
   }
-  EXPECT_FALSE(std::filesystem::exists(path));
 }
 
 }  // namespace
