@@ -9,7 +9,8 @@
 namespace platform {
 
 /// From now on Ctrl-C (SIGINT) and a wish to end (SIGTERM) are noted once; the second one ends the process as if
-/// nobody had asked to note anything. A signal that the process was told to ignore stays ignored.
+/// nobody had asked to note anything. A signal that the process was told to ignore stays ignored. Who is still at work
+/// a second after the first, since a server keeps it waiting, says so on standard error.
 SPCBASE_API void note_stop_signals() noexcept;
 
 /// The signal that was noted, SIGINT or SIGTERM; 0 when there was none.

@@ -1,15 +1,19 @@
 // Plan
 //   note_stop_signals: the first signal is noted and the process goes on; the second ends it; ignored ones stay ignored
-//   end_quietly_after: ends a process that hangs, without a word; not one that ended before
+//     who goes on for a second says so, who ends before does not
+//   end_quietly_after: ends a process that hangs, without a word, also when it was signalled; not one that ended before
 #include "spcbase/platform/system/signals.h"
 
 #include <gtest/gtest.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <algorithm>
+#include <array>
 #include <chrono>
 #include <csignal>
 #include <functional>
+#include <string>
 
 namespace {
 
@@ -65,6 +69,52 @@ TEST(note_stop_signals, leaves_ignored_ones_ignored) {
               ::_exit(platform::noted_stop_signal());
             }),
             0);
+}
+
+/// What a process says on standard error that is signalled and then does this.
+std::string said_when_signalled(const std::function<void()>& work) {
+  int ends[2] = {-1, -1};
+  EXPECT_EQ(::pipe(ends), 0);
+  EXPECT_EQ(exit_status_of([&] {
+              ::dup2(ends[1], STDERR_FILENO);
+              work();
+            }),
+            0);
+  ::close(ends[1]);
+  std::array<char, 256> buffer{};
+  const auto count = ::read(ends[0], buffer.data(), buffer.size());
+  ::close(ends[0]);
+  return {buffer.data(), static_cast<std::size_t>(std::max<ssize_t>(count, 0))};
+}
+
+TEST(note_stop_signals, says_that_it_was_heard_when_the_work_goes_on_for_a_second) {
+  EXPECT_EQ(said_when_signalled([] {
+              platform::note_stop_signals();
+              ::raise(SIGINT);
+              ::pause();
+              ::_exit(0);
+            }),
+            "Stopping at the next safe point; a second signal stops at once.\n");
+}
+
+TEST(note_stop_signals, says_nothing_when_the_work_ends_at_once) {
+  EXPECT_EQ(said_when_signalled([] {
+              platform::note_stop_signals();
+              ::raise(SIGTERM);
+              ::_exit(0);
+            }),
+            "");
+}
+
+TEST(end_quietly_after, is_not_talked_into_by_a_signal_that_was_noted) {
+  EXPECT_EQ(said_when_signalled([] {
+              platform::end_quietly_after(1);
+              platform::note_stop_signals();
+              ::raise(SIGINT);
+              for (;;)
+                ::pause();
+            }),
+            "");
 }
 
 TEST(end_quietly_after, ends_a_process_that_hangs) {
