@@ -234,7 +234,7 @@ TYPED_TEST(StoredSecrets, stand_in_no_statement_value_failure_or_blob) {
 }
 
 TYPED_TEST(StoredSecrets, stand_in_none_when_blobs_travel_through_a_buffer) {
-  const auto script = this->play();
+  const auto script = test_support::play(this->db());
   script->refuse_streaming(test_support::error("HYC00", 106, "The driver has no such feature"));
   EverythingShown shown;
   this->db().set_observer(&shown);

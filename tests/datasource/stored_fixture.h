@@ -19,8 +19,6 @@
 #include "spcbase/foundation/connection.h"
 #include "spcbase/foundation/failure.h"
 #include "spcbase/foundation/outcome.h"
-#include "spcbase/platform/database/odbc_session.h"
-#include "spcbase/platform/database/sqlite_session.h"
 #include "spcbase/testkit/database_fixture.h"
 #include "spcbase/testkit/scripted_session.h"
 #include "tests/support/hex_bytes.h"
@@ -172,17 +170,6 @@ class StoredTest : public testing::Test {
     for (const auto& definition : all)
       ids.push_back(definition->id);
     return ids;
-  }
-
-  std::unique_ptr<spcdb::Session> new_session() {
-    const std::string text = database_.connect_text();
-    return server == ServerKind::sqlite ? spcdb::open_sqlite(text, false) : spcdb::open_odbc(text, false);
-  }
-  /// Puts a script before the connection under test.
-  std::shared_ptr<Script> play() {
-    auto script = std::make_shared<Script>();
-    db_.adopt_session(std::make_unique<ScriptedSession>(script, new_session()));
-    return script;
   }
 
  private:

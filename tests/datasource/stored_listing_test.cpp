@@ -192,7 +192,7 @@ TYPED_TEST(Rewriting, drops_failures_of_the_database_and_releases_them) {
   for (const int id : {1, 2, 3})
     this->create(id);
   clock.advance(std::chrono::seconds(1));
-  const auto script = this->play();
+  const auto script = test_support::play(this->db());
   // Of the first definition, in pieces and through a buffer.
   script->on_regex("UPDATE .*").times(2).refuse(test_support::error("40001", 1213, "Deadlock found"));
   this->rewrite();
@@ -203,7 +203,7 @@ TYPED_TEST(Rewriting, drops_failures_of_the_database_and_releases_them) {
 
 TYPED_TEST(Rewriting, fails_itself_when_the_ids_cannot_be_read) {
   this->create(1);
-  const auto script = this->play();
+  const auto script = test_support::play(this->db());
   script->on_regex("SELECT .*CSEXDBV.*").refuse_at_prepare(test_support::error("42S02", 1146, "CSEXDBV is missing"));
   EXPECT_THAT(test_support::failure_of([&] { this->rewrite(); }), HasSubstr("CSEXDBV is missing"));
   EXPECT_EQ(this->found, 0);

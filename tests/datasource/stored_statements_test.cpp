@@ -216,7 +216,7 @@ class StoredRetry : public test_support::StoredTest<Case> {
   using Definition = typename Case::Definition;
   static spcdb::Diagnostic refusal() { return test_support::error("HYC00", 106, "The driver has no such feature"); }
   void use_poor_driver() {
-    script = this->play();
+    script = test_support::play(this->db());
     script->refuse_streaming(refusal());
     script->column_sizes_zero();
   }
@@ -322,7 +322,7 @@ TYPED_TEST(StoredRetry, a_failure_that_is_no_cut_ends_the_second_phase) {
 }
 
 TYPED_TEST(StoredRetry, failures_of_the_librarys_own_rules_are_not_tried_again) {
-  this->script = this->play();
+  this->script = test_support::play(this->db());
   EXPECT_EQ(test_support::failure_of([&] { this->read(7, 1000); }), test_support::not_there);
   EXPECT_EQ(test_support::failure_of([&] { this->sample(7).save(&this->db(), 1000); }), test_support::not_there);
   EXPECT_EQ(this->sizes(), (Texts{"0", "0"}));

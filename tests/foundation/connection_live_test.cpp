@@ -15,7 +15,7 @@
 #include "spcbase/foundation/recordset.h"
 #include "spcbase/testkit/database_fixture.h"
 #include "spcbase/testkit/raw_odbc.h"
-#include "tests/foundation/recorder.h"
+#include "spcbase/testkit/statement_log.h"
 
 namespace {
 
@@ -56,7 +56,7 @@ TEST_P(AutoODBCTransaction_live, the_end_of_the_scope_undoes_what_was_not_commit
 }
 
 TEST_P(AutoODBCTransaction_live, inner_commit_does_nothing_and_only_the_outer_reaches_the_database) {
-  StatementRecorder recorder(db());
+  test_support::StatementLog recorder(db());
   {
     AutoODBCTransaction outer(db(), true);
     {
@@ -73,7 +73,7 @@ TEST_P(AutoODBCTransaction_live, inner_commit_does_nothing_and_only_the_outer_re
 }
 
 TEST_P(AutoODBCTransaction_live, an_inner_guard_that_ends_by_an_exception_undoes_nothing_but_the_outer_does) {
-  StatementRecorder recorder(db());
+  test_support::StatementLog recorder(db());
   try {
     AutoODBCTransaction outer(db(), true);
     db().ExecuteSQL(insert_station);
@@ -93,7 +93,7 @@ TEST_P(AutoODBCTransaction_live, an_inner_guard_that_ends_by_an_exception_undoes
 }
 
 TEST_P(AutoODBCTransaction_live, commit_followed_by_the_end_of_the_scope_sends_no_rollback) {
-  StatementRecorder recorder(db());
+  test_support::StatementLog recorder(db());
   {
     AutoODBCTransaction guard(db(), true);
     EXPECT_TRUE(guard.commit());
@@ -135,7 +135,7 @@ TEST_P(check_connection_live, without_CSMON_the_full_form_fails_and_the_light_on
 
 TEST_P(check_connection_live, without_a_handle_it_fails_and_runs_nothing) {
   CDatabaseEx closed;
-  StatementRecorder recorder(closed);
+  test_support::StatementLog recorder(closed);
   EXPECT_FALSE(closed.check_connection(0));
   EXPECT_FALSE(closed.check_connection(1));
   EXPECT_TRUE(recorder.statements.empty());
@@ -145,7 +145,7 @@ TEST_P(check_connection_live, without_a_handle_it_fails_and_runs_nothing) {
 }
 
 TEST_P(check_connection_live, the_full_form_runs_this_statement) {
-  StatementRecorder recorder(db());
+  test_support::StatementLog recorder(db());
   db().check_connection(0);
   db().check_connection(1);
   EXPECT_EQ(recorder.statements, Statements{"SELECT MONID FROM CSMON WHERE MONID = 0"});
@@ -267,7 +267,7 @@ class find_db_type_live : public test_support::DatabaseTest {};
 INSTANTIATE_TEST_SUITE_P(Servers, find_db_type_live, test_support::all_servers(), test_support::server_name);
 
 TEST_P(find_db_type_live, takes_each_server_for_the_dialect_whose_probe_it_runs) {
-  StatementRecorder recorder(db());
+  test_support::StatementLog recorder(db());
   if (kind() == test_support::ServerKind::mariadb) {
     EXPECT_EQ(dbcheck::find_db_type(db()), 3);
     EXPECT_EQ(recorder.statements,
@@ -305,7 +305,7 @@ TEST_P(find_db_type_live, the_fragments_of_dialect_3_run_where_it_is_found) {
 }
 
 TEST_P(find_db_type_live, no_server_here_has_the_function_of_an_oracle_installation) {
-  StatementRecorder recorder(db());
+  test_support::StatementLog recorder(db());
   for (const int dialect : {-1, 0, 2, 3})
     EXPECT_FALSE(dbcheck::check_de_to_date_sp_exist(db(), dialect));
   EXPECT_TRUE(recorder.statements.empty());

@@ -20,12 +20,10 @@
 #include "spcbase/foundation/internal/opening.h"
 #include "spcbase/foundation/schema/payloads.h"
 #include "spcbase/platform/database/connection.h"
-#include "spcbase/platform/database/odbc_session.h"
-#include "spcbase/platform/database/sqlite_session.h"
 #include "spcbase/testkit/database_fixture.h"
 #include "spcbase/testkit/fail_kth_call.h"
 #include "spcbase/testkit/scripted_session.h"
-#include "tests/foundation/recorder.h"
+#include "spcbase/testkit/statement_log.h"
 #include "tests/support/blob_bytes.h"
 #include "tests/support/failure_sweep.h"
 #include "tests/support/memory_meter.h"
@@ -170,7 +168,7 @@ TEST_P(payload_live, a_readers_block_stays_when_it_is_large_enough_and_else_has_
 }
 
 TEST_P(payload_live, no_transaction_is_opened_for_it) {
-  StatementRecorder recorder(db());
+  test_support::StatementLog recorder(db());
   set_mon(1, payload(100000));
   mon(1);
   set_mon(1, "");
@@ -224,10 +222,7 @@ class payload_on_a_poor_driver : public payload_live {
     script = std::make_shared<test_support::Script>();
     script->refuse_streaming(refusal());
     script->column_sizes_zero();
-    auto real = kind() == ServerKind::sqlite ? spcdb::open_sqlite(database().connect_text(), false)
-                                             : spcdb::open_odbc(database().connect_text(), false);
-    db().Close();
-    db().adopt_session(std::make_unique<test_support::ScriptedSession>(script, std::move(real)));
+    test_support::play(db(), script);
   }
   // The sizes with which the blob column was asked for.
   std::vector<std::string> sizes() {
@@ -298,7 +293,7 @@ TEST_P(payload_on_a_poor_driver, a_write_over_a_larger_payload_doubles_until_the
 TEST_P(payload_on_a_poor_driver, the_same_payload_once_more_is_no_failure_though_nothing_is_written) {
   use_poor_driver();
   set_mon(1, payload(300));
-  StatementRecorder recorder(db());
+  test_support::StatementLog recorder(db());
   set_mon(1, payload(300));
   EXPECT_EQ(std::ranges::count_if(recorder.statements, [](const auto& s) { return s.starts_with("UPDATE"); }), 0)
       << "a buffer is compared with what was read";

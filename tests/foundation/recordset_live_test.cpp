@@ -13,7 +13,7 @@
 #include "spcbase/foundation/recordset.h"
 #include "spcbase/foundation/schema.h"
 #include "spcbase/testkit/database_fixture.h"
-#include "tests/foundation/recorder.h"
+#include "spcbase/testkit/statement_log.h"
 
 namespace {
 
@@ -142,7 +142,7 @@ TEST_P(requery_rs_live, a_failure_of_the_server_passes_whatever_the_flag_says) {
 }
 
 TEST_P(requery_rs_live, a_lookup_is_one_statement) {
-  StatementRecorder recorder(db());
+  test_support::StatementLog recorder(db());
   RSNode1 rs(&db());
   EXPECT_TRUE(requery_rs_for_read(rs, "[NODEID] = 2", true));
   rs.Close();
@@ -213,7 +213,7 @@ TEST_P(aggregates_live, work_as_a_snapshot_that_is_requeried) {
 }
 
 TEST_P(aggregates_live, send_these_statements) {
-  StatementRecorder recorder(db());
+  test_support::StatementLog recorder(db());
   RSCount count(&db(), "CSSAMP", nullptr);
   requery_rs_for_read(count, nullptr, true);
   count.Close();
@@ -260,7 +260,7 @@ INSTANTIATE_TEST_SUITE_P(Servers, RSINI_live, test_support::all_servers(), test_
 
 TEST_P(RSINI_live, a_wanted_hint_stands_between_the_keyword_and_the_columns) {
   execute("INSERT INTO CSINI (QUAL, SECT, KYWORD, SEQNO, OPTVAL) VALUES ('q', 's', 'k', 1, 'v')");
-  StatementRecorder recorder(db());
+  test_support::StatementLog recorder(db());
   RSINI hinted(&db(), true);
   EXPECT_TRUE(requery_rs_for_read(hinted, nullptr, true));
   EXPECT_EQ(hinted.optval, "v");

@@ -18,11 +18,9 @@
 #include "spcbase/foundation/failure.h"
 #include "spcbase/foundation/outcome.h"
 #include "spcbase/foundation/running_number.h"
-#include "spcbase/platform/database/odbc_session.h"
-#include "spcbase/platform/database/sqlite_session.h"
 #include "spcbase/testkit/database_fixture.h"
 #include "spcbase/testkit/scripted_session.h"
-#include "tests/foundation/recorder.h"
+#include "spcbase/testkit/statement_log.h"
 #include "tests/support/failure_sweep.h"
 
 namespace {
@@ -91,7 +89,7 @@ INSTANTIATE_TEST_SUITE_P(Servers, update_running_table_live, test_support::main_
 
 TEST_P(update_running_table_live, an_empty_table_gives_one_row_of_0_and_the_highest_id_is_not_asked) {
   execute("DELETE FROM CSSTRN");
-  StatementRecorder recorder(db());
+  test_support::StatementLog recorder(db());
   repair(true);
   EXPECT_EQ(counter(), "CSSTRN,0");
   ASSERT_EQ(recorder.statements.size(), 5U) << testing::PrintToString(recorder.statements);
@@ -127,7 +125,7 @@ TEST_P(update_running_table_live, three_counter_rows_become_one_by_a_rewrite) {
 TEST_P(update_running_table_live, three_counter_rows_all_get_the_number_by_an_update) {
   add_stations();
   execute("INSERT INTO CSSTRN VALUES (5), (9)");
-  StatementRecorder recorder(db());
+  test_support::StatementLog recorder(db());
   repair(false);
   EXPECT_EQ(counter(), "CSSTRN,41,41,41");
   ASSERT_EQ(recorder.statements.size(), 5U) << testing::PrintToString(recorder.statements);
@@ -209,7 +207,7 @@ INSTANTIATE_TEST_SUITE_P(Servers, update_all_running_tables, test_support::main_
 
 TEST_P(update_all_running_tables, repairs_every_counter_in_order_in_one_transaction) {
   fill(database());
-  StatementRecorder recorder(db());
+  test_support::StatementLog recorder(db());
   update_running_table(&db());
   EXPECT_EQ(all_counters(database()), repaired_counters());
 
@@ -235,7 +233,7 @@ TEST_P(update_all_running_tables, a_failure_at_the_tenth_rolls_the_nine_before_i
   Statements before = all_counters(database());
   before.erase(before.begin() + 9);
   execute("DROP TABLE CSSPRN");
-  StatementRecorder recorder(db());
+  test_support::StatementLog recorder(db());
   EXPECT_FALSE(guarded([&] { update_running_table(&db()); }).ok());
   EXPECT_THAT(recorder.statements, testing::Contains("INSERT INTO CSPFRN VALUES (109)")) << "the ninth was repaired";
   execute("CREATE TABLE CSSPRN (MAXNO INTEGER)");
@@ -247,13 +245,10 @@ TEST_P(update_all_running_tables, a_failure_at_the_tenth_rolls_the_nine_before_i
 
 TEST_P(update_all_running_tables, without_transactions_the_nine_before_a_failure_stay) {
   fill(database());
-  auto real = kind() == test_support::ServerKind::sqlite ? spcdb::open_sqlite(database().connect_text(), false)
-                                                         : spcdb::open_odbc(database().connect_text(), false);
   auto script = std::make_shared<test_support::Script>();
   script->transactions(false);
   script->on("DELETE FROM CSSPRN").refuse(test_support::error("HY000", 1, "not now"));
-  db().Close();
-  db().adopt_session(std::make_unique<test_support::ScriptedSession>(script, std::move(real)));
+  test_support::play(db(), script);
   EXPECT_FALSE(guarded([&] { update_running_table(&db()); }).ok());
   EXPECT_TRUE(script->calls_of("begin").empty());
   const Statements repaired = repaired_counters();

@@ -13,7 +13,7 @@
 #include "spcbase/foundation/outcome.h"
 #include "spcbase/foundation/settings.h"
 #include "spcbase/testkit/database_fixture.h"
-#include "tests/foundation/recorder.h"
+#include "spcbase/testkit/statement_log.h"
 #include "tests/support/failure_sweep.h"
 
 namespace {
@@ -166,7 +166,7 @@ TEST_P(SystemSettingCache_live, a_value_outlives_its_cache) {
 TEST_P(SystemSettingCache_live, reads_all_with_one_query_that_carries_the_hint) {
   for (const char* key : {"a", "b", "c"})
     add(key, 1, "41");
-  StatementRecorder recorder(db());
+  test_support::StatementLog recorder(db());
   cache.refresh(&db());
   ASSERT_EQ(recorder.statements.size(), 1U);
   EXPECT_THAT(recorder.statements[0], testing::StartsWith("SELECT  /*+ result_cache */ "));

@@ -168,7 +168,7 @@ TEST_P(Adding, with_caching_off_nothing_is_kept) {
 }
 
 TEST_P(Adding, up_to_five_attempts_are_made_with_a_number_asked_for_each_time) {
-  const auto script = play();
+  const auto script = test_support::play(db());
   script->on_regex("INSERT INTO .?CSOBJREV.*").times(4).refuse(error("23000", 1062, "Duplicate entry"));
   EXPECT_EQ(add("a"), 1);
   int questions = 0;
@@ -181,7 +181,7 @@ TEST_P(Adding, up_to_five_attempts_are_made_with_a_number_asked_for_each_time) {
 TEST_P(Adding, the_failure_of_the_fifth_attempt_passes_and_the_caches_stay_as_they_were) {
   add("a");
   const auto before = kept();
-  const auto script = play();
+  const auto script = test_support::play(db());
   script->on_regex("INSERT INTO .?CSOBJREV.*").times(5).refuse(error("23000", 1062, "Duplicate entry"));
   const auto outcome = guarded([&] { return add("b"); });
   ASSERT_FALSE(outcome.ok());
@@ -220,7 +220,7 @@ TEST_P(Adding, an_attempt_goes_past_the_number_that_another_writer_took) {
 }
 
 TEST_P(Adding, an_attempt_whose_payload_failed_leaves_a_broken_revision_and_the_next_goes_past_it) {
-  const auto script = play();
+  const auto script = test_support::play(db());
   // Streaming and the buffer behind it.
   script->on_regex("INSERT INTO .?CSREVDAT.*").times(2).refuse(error("HY000", 4711, "no room"));
   EXPECT_EQ(add("a"), 2);
@@ -231,7 +231,7 @@ TEST_P(Adding, an_attempt_whose_payload_failed_leaves_a_broken_revision_and_the_
 }
 
 TEST_P(Adding, a_payload_is_its_own_whether_it_is_streamed_or_goes_through_a_buffer) {
-  const auto script = play();
+  const auto script = test_support::play(db());
   for (const char* way : {"streamed", "buffered", "Streamed", "Buffered", "BUFFERED", "STREAMED"}) {
     const bool buffered = way[0] == 'b' || way[0] == 'B';
     if (buffered) script->on_regex("INSERT INTO .?CSREVDAT.*").once().refuse(error("HY000", 4711, "no streaming"));
@@ -245,7 +245,7 @@ TEST_P(Adding, a_payload_is_its_own_whether_it_is_streamed_or_goes_through_a_buf
 }
 
 TEST_P(Adding, in_the_callers_transaction_a_broken_revision_goes_with_it) {
-  const auto script = play();
+  const auto script = test_support::play(db());
   script->on_regex("INSERT INTO .?CSREVDAT.*").refuse(error("HY000", 4711, "no room"));
   const auto outcome = guarded([&] {
     AutoODBCTransaction transaction(db(), true);
@@ -260,7 +260,7 @@ TEST_P(Adding, in_the_callers_transaction_a_broken_revision_goes_with_it) {
 }
 
 TEST_P(Adding, a_row_whose_id_cannot_be_read_back_is_reason_4_in_the_first_attempt) {
-  const auto script = play();
+  const auto script = test_support::play(db());
   script->on_regex("SELECT .?REVID.?,.?OBJID.?,.?OBJTYPE.?,.?REVISION.? FROM .*")
       .answer({"REVID", "OBJID", "OBJTYPE", "REVISION"}, {});
   try {

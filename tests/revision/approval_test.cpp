@@ -254,7 +254,7 @@ TEST_P(ApprovalAsMajor, with_caching_off_nothing_is_kept) {
 TEST_P(ApprovalAsMajor, a_payload_that_fails_leaves_an_approved_broken_revision_but_in_a_transaction) {
   add("a");
   const auto before = kept();
-  const auto script = play();
+  const auto script = test_support::play(db());
   const auto refuse_payload = [&] {
     script->on_regex("INSERT INTO .?CSREVDAT.*").times(2).refuse(error("HY000", 4711, "no room"));
   };
@@ -278,7 +278,7 @@ TEST_P(ApprovalAsMajor, a_payload_that_fails_leaves_an_approved_broken_revision_
 
 TEST_P(ApprovalAsMajor, a_row_whose_id_cannot_be_read_back_is_reason_4) {
   add("a");
-  const auto script = play();
+  const auto script = test_support::play(db());
   script->on_regex("SELECT .?REVID.?,.?OBJID.?,.?OBJTYPE.?,.?REVISION.? FROM .*")
       .answer({"REVID", "OBJID", "OBJTYPE", "REVISION"}, {});
   EXPECT_EQ(reason_of([&] { approve(1, true); }), 4);

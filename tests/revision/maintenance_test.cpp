@@ -85,7 +85,7 @@ TEST_P(rebuild_version, a_negative_object_id_is_an_object_like_any_other) {
 TEST_P(rebuild_version, a_failure_leaves_the_rows_before_it_changed_but_in_a_transaction) {
   for (int revision = 1; revision <= 3; ++revision)
     insert_row(5, revision);
-  const auto script = play();
+  const auto script = test_support::play(db());
   const auto fail_at_the_third = [&] {
     script->on_regex("UPDATE .*").times(2).pass();
     script->on_regex("UPDATE .*").once().refuse(error("HY000", 4711, "not now"));

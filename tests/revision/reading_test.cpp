@@ -255,7 +255,7 @@ TEST_P(Reading, a_number_whose_record_is_not_kept_reads_the_latest_again) {
 TEST_P(Reading, a_failure_leaves_the_caches_as_they_were) {
   add("a");
   const auto before = kept();
-  const auto script = play();
+  const auto script = test_support::play(db());
   script->on_regex("SELECT .*LEFT JOIN.*").refuse_at_prepare(test_support::error("HY000", 4711, "not now"));
   const auto outcome = guarded([&] { return get(2); });
   ASSERT_FALSE(outcome.ok());
@@ -265,7 +265,7 @@ TEST_P(Reading, a_failure_leaves_the_caches_as_they_were) {
 
 TEST_P(Reading, a_streaming_refusal_is_the_callers_with_size_0_and_a_second_try_with_another) {
   add_elsewhere("a");
-  const auto script = play();
+  const auto script = test_support::play(db());
   script->on_regex("SELECT .*LEFT JOIN.*")
       .times(2)
       .refuse_at_prepare(test_support::error("HY000", 4711, "no streaming"));
@@ -328,7 +328,7 @@ TEST_P(Listing, of_an_object_without_rows_leaves_the_list_and_forgets_the_latest
 
 TEST_P(Listing, a_failure_leaves_the_latest_number_forgotten) {
   add("a");
-  const auto script = play();
+  const auto script = test_support::play(db());
   script->on_regex("SELECT .*").refuse_at_prepare(test_support::error("HY000", 4711, "not now"));
   std::vector<rev::RevisionBaseInfo> all;
   const auto outcome = guarded([&] { return manager.get_all_revision(&db(), 5, all); });

@@ -11,8 +11,6 @@
 #include "spcbase/foundation/blob.h"
 #include "spcbase/foundation/failure.h"
 #include "spcbase/foundation/outcome.h"
-#include "spcbase/platform/database/odbc_session.h"
-#include "spcbase/platform/database/sqlite_session.h"
 #include "spcbase/revision/manager.h"
 #include "spcbase/testkit/database_fixture.h"
 #include "spcbase/testkit/held_clock.h"
@@ -107,16 +105,6 @@ class RevisionTest : public DatabaseTest {
     execute("INSERT INTO CSOBJREV (OBJID, OBJTYPE, REVISION, MAJORVER, MINORVER, FLAG, CUSERID, CUSER, CREASON" +
             more_columns + ") VALUES (" + std::to_string(object) + ", 3, " + std::to_string(revision) +
             ", 2, 3, 0, 7, 'anna', 'why'" + more_values + ")");
-  }
-
-  /// Puts a script before the connection under test.
-  std::shared_ptr<Script> play() {
-    auto script = std::make_shared<Script>();
-    const CString text(database().connect_text());
-    auto real =
-        kind() == ServerKind::sqlite ? spcdb::open_sqlite(text.view(), false) : spcdb::open_odbc(text.view(), false);
-    db().adopt_session(std::make_unique<ScriptedSession>(script, std::move(real)));
-    return script;
   }
 
   /// The records that the manager keeps of an object.

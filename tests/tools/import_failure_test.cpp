@@ -10,8 +10,6 @@
 #include <fstream>
 
 #include "spcbase/foundation/recordset.h"
-#include "spcbase/platform/database/odbc_session.h"
-#include "spcbase/platform/database/sqlite_session.h"
 #include "spcbase/testkit/plant.h"
 #include "spcbase/testkit/scripted_session.h"
 #include "tests/tools/program.h"
@@ -86,10 +84,7 @@ TEST_P(ImportFailure, leaves_nothing_of_a_sample_when_a_column_is_missing) {
 class PlayedFailure : public ImportFailure {
  protected:
   PlayedFailure() : link_(database().connect_text(), nullptr) {
-    const CString text(database().connect_text());
-    auto real =
-        kind() == ServerKind::sqlite ? spcdb::open_sqlite(text.view(), false) : spcdb::open_odbc(text.view(), false);
-    link_.db().adopt_session(std::make_unique<test_support::ScriptedSession>(script_, std::move(real)));
+    test_support::play(link_.db(), script_);
     shape_ = spc::read_shape(link_, {profile_, "Rings"});
     samples_ = spc::prepare_samples(spc::parse_csv("in.csv", rings_of(2)), shape_, {});
   }

@@ -7,7 +7,6 @@
 
 #include <sstream>
 
-#include "spcbase/platform/database/odbc_session.h"
 #include "spcbase/testkit/scripted_session.h"
 #include "tests/tools/json_check.h"
 #include "tests/tools/program.h"
@@ -127,9 +126,7 @@ class RevisionReset : public RevisionMaintenance {
   }
   /// The command's link with a script in between.
   spc::Link& scripted_link() {
-    const auto text = CString(database().connect_text().c_str());
-    link_.db().adopt_session(
-        std::make_unique<test_support::ScriptedSession>(script_, spcdb::open_odbc(text.view(), false)));
+    test_support::play(link_.db(), script_);
     return link_;
   }
 

@@ -95,7 +95,7 @@ TEST_P(Statements, of_a_path_of_one_name_are_none) {
 
 // On a server that is played: names go as parameters, in the server's own quotes.
 TEST_P(Statements, reach_the_server_with_names_as_parameters) {
-  const auto script = play();
+  const auto script = test_support::play(db());
   EXPECT_EQ(walk({"plant", "x' OR '1'='1"}), 0);
   std::vector<std::string> parameters;
   for (const auto& call : script->calls_of("execute")) {

@@ -10,8 +10,6 @@
 #include <string>
 #include <vector>
 
-#include "spcbase/platform/database/odbc_session.h"
-#include "spcbase/platform/database/sqlite_session.h"
 #include "spcbase/testkit/database_fixture.h"
 #include "spcbase/testkit/scripted_session.h"
 #include "spcbase/tree/internal/node_walk.h"
@@ -83,16 +81,6 @@ class TreeTest : public DatabaseTest {
       for (auto& row : row_texts(database(), std::string("SELECT * FROM ") + table + " ORDER BY 1, 2"))
         all.push_back(table + (": " + row));
     return all;
-  }
-
-  /// Puts a script before the connection under test.
-  std::shared_ptr<Script> play() {
-    auto script = std::make_shared<Script>();
-    const CString text(database().connect_text());
-    auto real =
-        kind() == ServerKind::sqlite ? spcdb::open_sqlite(text.view(), false) : spcdb::open_odbc(text.view(), false);
-    db().adopt_session(std::make_unique<ScriptedSession>(script, std::move(real)));
-    return script;
   }
 };
 
