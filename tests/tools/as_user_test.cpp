@@ -98,7 +98,7 @@ TEST_P(AsUser, refuses_a_user_who_does_not_exist) {
       EXPECT_EQ(refused.status, 1);
       EXPECT_EQ(refused.err, "spc: cannot list as user " + std::string(user) +
                                  ": there is no user of this number\n"
-                                 "     --as-user takes the USERID of a row in CSUSER.\n");
+                                 "     There are anna (1), bo (2), nobody (3).\n");
     }
 }
 

@@ -1,7 +1,8 @@
 // Plan
 //   Good files: plain, quoted (commas, doubled quotes, line ends), CRLF, byte order mark, no final line end, empty
 //     lines and fields, several bytes to a character; lines are counted through quoted line ends
-//   Bad files: empty, header alone, wrong number of fields, open quote, text behind or before a quote, bytes that are
+//   Bad files: empty, header alone, wrong number of fields, fields parted by semicolons or tabs, open quote, text
+//   behind or before a quote, bytes that are
 //     not UTF-8, zero byte, no such file, a folder
 #include "tools/spc/csv.h"
 
@@ -74,6 +75,12 @@ TEST(ParseCsv, refuses_a_file_without_content) {
 TEST(ParseCsv, refuses_a_wrong_number_of_fields_and_names_the_line) {
   EXPECT_EQ(why_not("a,b\n1,2\n1\n"), "line 3: 1 fields, but the header has 2");
   EXPECT_EQ(why_not("a,b\n1,2,3\n"), "line 2: 3 fields, but the header has 2");
+}
+
+TEST(ParseCsv, says_which_other_character_parts_the_fields) {
+  EXPECT_EQ(why_not("sample;Diameter\n1;74,03\n"), "line 1: the fields are parted by semicolons");
+  EXPECT_EQ(why_not("\nsample\tDiameter\n1\t74.03\n"), "line 2: the fields are parted by tabs");
+  EXPECT_EQ(spc::parse_csv("a.csv", "a;b,c\n1,2\n").header.fields, (Fields{"a;b", "c"})) << "commas part these";
 }
 
 TEST(ParseCsv, refuses_quotes_out_of_place) {

@@ -225,11 +225,16 @@ TEST(RangeCommand, refuses_wrong_options) {
        "     Moments are local time, written 2024-03-05 or 2024-03-05 08:30:00.\n",
        {"range", "today", "--at", "2023-02-29"}},
       {"spc: cannot read the command line: --at: \"\" is not a moment, such as 2024-03-05 or 2024-03-05 08:30:00\n"
-       "     spc --help tells what there is.\n",
+       "     spc range --help tells more.\n",
        {"range", "today", "--at", ""}},
       {"spc: cannot read the command line: --xml prints XML, --json JSON\n     Give one of them.\n",
        {"range", "today", "--xml", "--json"}},
-      {"spc: cannot read the command line: LINE is required\n     spc --help tells what there is.\n", {"range"}}};
+      {"spc: cannot read the command line: LINE is missing\n"
+       "     Usage: spc range [OPTIONS] LINE. spc range --help tells more.\n",
+       {"range"}},
+      {"spc: cannot read the command line: \"5\" is a word too many\n"
+       "     A text with blanks in it stands in quotes. spc range --help tells more.\n",
+       {"range", "last", "5", "day"}}};
   for (const auto& [told, arguments] : faults) {
     const Answer answer = run_in_zone(berlin, arguments);
     EXPECT_EQ(answer.status, 2) << answer;

@@ -176,7 +176,7 @@ TEST_P(SourceCommand, a_name_may_be_used_again_when_its_data_source_was_removed)
   add("Warehouse");
   EXPECT_EQ(add("Warehouse").err,
             "spc: cannot add the data source Warehouse: data source 1 Warehouse has this name already\n"
-            "     Names tell data sources apart for people: give another one with --name.\n");
+            "     Names tell data sources apart for people: give this one another.\n");
   source({"remove", "Warehouse"});
   EXPECT_EQ(add("Warehouse").status, 0);
   EXPECT_TRUE(source({"show", "Warehouse"}).says("id           2\n")) << "the live one";

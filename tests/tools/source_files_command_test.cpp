@@ -154,6 +154,7 @@ TEST_P(SourceFiles, import_tells_what_is_wrong_with_a_file) {
   expect_refused("<list/>", "it is no definition of a data source: its root is list, not external_database");
   expect_refused("<external_database", "Load xml failed:");
   expect_refused("", "Load xml failed:");
+  EXPECT_TRUE(import("sample,piece\n").complains("     Name a file that spc source export has written.\n"));
   expect_refused("<!DOCTYPE a [<!ENTITY b \"c\">]><a>&b;</a>", "Load xml failed:");
   expect_refused(head + "<flag1>0</flag1><option><x/></option></external_database>",
                  "its XML cannot be read: XML error.");

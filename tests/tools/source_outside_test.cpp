@@ -76,7 +76,13 @@ TEST_P(SourceOutside, test_tells_why_a_database_cannot_be_opened) {
   EXPECT_TRUE(refused.complains("SQLSTATE ")) << refused;
   EXPECT_TRUE(refused.complains("     The connection string is Driver={None};UID=anna;PWD=***\n")) << refused;
   add("no ODBC", {"--kind", "adonet", "--connection-string", "Server=x;Database=y"});
-  EXPECT_TRUE(source({"test", "no ODBC"}).complains("names neither a driver (Driver=...) nor a data source (DSN=...)"));
+  const Answer kept = source({"test", "no ODBC"});
+  EXPECT_TRUE(kept.complains("names neither a driver (Driver=...) nor a data source (DSN=...)")) << kept;
+  EXPECT_TRUE(
+      kept.complains("     It is one for programs that use OLE DB or ADO.NET. Here a data source is opened over "
+                     "ODBC alone, by Driver={...}, DSN=... or sqlite:FILE.\n"))
+      << kept;
+  EXPECT_TRUE(refused.complains("     odbcinst -q -d lists the installed drivers")) << refused;
 }
 
 TEST_P(SourceOutside, rewrite_saves_all_of_both_kinds) {

@@ -35,13 +35,16 @@ const std::vector<Option>& global_options() {
       {.name = "--dsn",
        .value = "NAME",
        .help = "The ODBC data source of the database",
-       .target = at<&Request::place, &Place::dsn>},
+       .target = at<&Request::place, &Place::dsn>,
+       .problem = why_not_given},
       {.name = "--connect",
        .value = "TEXT",
-       .help = "An ODBC connect text, or sqlite:FILE; without it and --dsn: spc/spc.db in the user's data folder",
+       .help = "An ODBC connect text, or sqlite:FILE; without it and --dsn: spc/spc.db in the user's data folder. "
+               "Other users of the machine can see a password in it: let a data source (--dsn) hold it",
        .target = at<&Request::place, &Place::connect>,
        .offers = Offers::connect_texts,
-       .excludes = {"--dsn"}},
+       .excludes = {"--dsn"},
+       .problem = why_not_given},
       {.name = "--json", .help = "Answer in JSON", .target = at<&Request::json>},
       {.name = "--trace",
        .help = "Show every statement, its rows and its time on standard error",
@@ -90,6 +93,8 @@ std::vector<ExitStatus> exit_statuses(const Command& command) {
            "second one ends it at once."},
           {exit_terminated, "The same for SIGTERM."}};
 }
+
+std::string why_not_given(const std::string& text) { return text.empty() ? "the value is empty" : ""; }
 
 Option max_size_option(Target (*target)(Request&)) {
   return {.name = "--max-size",

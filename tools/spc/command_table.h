@@ -147,6 +147,9 @@ std::vector<Command> revision_commands();
 std::vector<Command> source_commands();
 std::vector<Command> time_commands();
 
+/// Why a text is no value where something must stand: a script may have put an empty variable there.
+std::string why_not_given(const std::string& text);
+
 /// Options that several commands take.
 Option max_size_option(Target (*target)(Request&));
 

@@ -29,28 +29,37 @@ std::vector<Command> sample_commands() {
        .more = "The whole file is checked first: its first fault ends the command before anything is written, and is "
                "told with line and column. Then each sample is saved in a transaction of its own. When saving fails, "
                "the samples before stand, and the message says how many.\n\n"
+               "The first line names the columns: \"sample\", whose text is the same in all lines of one sample, "
+               "\"piece\", "
+               "which counts them and may be left out, and the entries of the profile. Commas part the fields, a point "
+               "the decimals, and the file is UTF-8. What a profile wants is told when a column is "
+               "wrong. /dev/stdin reads standard input.\n\n"
                "A name is looked for before a number.",
        .options = {{.name = "FILE",
-                    .help = "Columns: sample, piece, and one for each entry of the profile",
+                    .help = "The CSV file, with a column for each entry of the profile",
                     .target = at<&Request::import, &ImportRequest::file>,
                     .required = true,
-                    .offers = Offers::files},
+                    .offers = Offers::files,
+                    .problem = why_not_given},
                    {.name = "--profile",
                     .value = "NAME|ID",
                     .help = "The profile of the samples",
                     .target = at<&Request::import, &ImportRequest::profile>,
                     .required = true,
-                    .offers = Offers::profiles},
+                    .offers = Offers::profiles,
+                    .problem = why_not_given},
                    {.name = "--station",
                     .value = "NAME|ID",
                     .help = "Where they were taken",
                     .target = at<&Request::import, &ImportRequest::station>,
-                    .offers = Offers::stations},
+                    .offers = Offers::stations,
+                    .problem = why_not_given},
                    {.name = "--user",
                     .value = "NAME|ID",
                     .help = "By whom",
                     .target = at<&Request::import, &ImportRequest::user>,
-                    .offers = Offers::users},
+                    .offers = Offers::users,
+                    .problem = why_not_given},
                    {.name = "--map",
                     .value = "COLUMN=ENTRY",
                     .help = "A column that stands for an entry of another name",
@@ -72,7 +81,8 @@ std::vector<Command> sample_commands() {
                     .value = "NAME|ID",
                     .help = "Only those of one profile",
                     .target = at<&Request::list_profile>,
-                    .offers = Offers::profiles},
+                    .offers = Offers::profiles,
+                    .problem = why_not_given},
                    {.name = "--limit",
                     .value = "N",
                     .help = "At most so many; 20 when it is not given",

@@ -168,8 +168,10 @@ std::vector<Option> behind(std::vector<Option> first, const std::vector<Option>&
 }
 
 constexpr std::string_view password_note =
-    "The connection string is given without its password, which is asked for at a terminal. What of a definition is "
-    "protected, and what is not, stands in docs/command.md.";
+    "The connection string is given without its password, which is asked for at a terminal and never shown. In the "
+    "database the whole string is enciphered, by a key that follows from the row's number: that hides it from readers, "
+    "not from whoever has this program. So let its users alone read the database, and give the outside login no more "
+    "rights than it needs.";
 
 std::vector<Command> writing_commands() {
   return {

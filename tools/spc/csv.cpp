@@ -97,6 +97,18 @@ void check_text(const std::string& name, std::string_view text) {
          "Save the file as UTF-8.");
 }
 
+/// A spreadsheet may part fields otherwise, as its country does.
+void check_separator(const CsvFile& file) {
+  if (file.header.fields.size() != 1) return;
+  const std::string& heading = file.header.fields.front();
+  const char* separator = heading.find(';') != std::string::npos    ? "semicolons"
+                          : heading.find('\t') != std::string::npos ? "tabs"
+                                                                    : nullptr;
+  if (separator != nullptr)
+    refuse(file.name, file.header.line, "the fields are parted by " + std::string(separator),
+           "Save the file with commas between the fields, and points in the numbers.");
+}
+
 void check_width(const CsvFile& file, const CsvRow& row) {
   const std::size_t wanted = file.header.fields.size();
   if (row.fields.size() == wanted) return;
@@ -115,6 +127,7 @@ CsvFile parse_csv(std::string name, std::string_view text) {
   if (!reader.next(file.header)) refuse(file.name, 0, "the file is empty");
   for (auto& heading : file.header.fields)
     heading = trimmed(heading);
+  check_separator(file);
   for (CsvRow row; reader.next(row);) {
     check_width(file, row);
     file.rows.push_back(std::move(row));

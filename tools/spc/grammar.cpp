@@ -1,11 +1,11 @@
 #include "tools/spc/grammar.h"
 
+#include <algorithm>
 #include <CLI/CLI.hpp>
 #include <map>
 #include <type_traits>
 
-#include "tools/spc/connection_text.h"
-#include "tools/spc/problem.h"
+#include "tools/spc/misuse.h"
 
 namespace spc {
 namespace {
@@ -26,15 +26,24 @@ CLI::Option* bind(CLI::App& app, const Option& option, Target target) {
       target);
 }
 
+/// Those of the table, else those of what the value is kept in; nothing for a text.
+std::optional<Bounds> bounds_of(const Option& option, Request& request) {
+  if (option.within) return option.within;
+  const Target target = option.target(request);
+  const bool is_int = std::holds_alternative<int*>(target) || std::holds_alternative<std::optional<int>*>(target);
+  return is_int ? std::optional(Bounds{-largest - 1, largest}) : std::nullopt;
+}
+
 void add_option(CLI::App& app, const Option& option, Request& request) {
   if (option.target == nullptr) return;
   CLI::Option* added = bind(app, option, option.target(request));
   if (!option.value.empty()) added->type_name(std::string(option.value));
   if (option.required) added->required();
   if (option.commas) added->delimiter(',');
-  if (option.within) added->check(CLI::Range(option.within->least, option.within->most));
+  if (const auto bounds = bounds_of(option, request))
+    added->check([within = *bounds](const std::string& text) { return why_no_number(within, text); });
   if (option.offers == Offers::words)
-    added->check(CLI::IsMember(std::vector<std::string>(option.words.begin(), option.words.end())));
+    added->check([words = option.words](const std::string& text) { return why_no_word(words, text); });
   if (option.problem != nullptr) added->check(option.problem);
   for (const auto other : option.excludes)
     added->excludes(app.get_option(std::string(other)));
@@ -81,18 +90,13 @@ class Grammar {
   std::map<const CLI::App*, const Command*> commands_;
 };
 
-/// What is wrong with the arguments. A word that is wrong may be a password, given where none may stand.
-std::string told(const CLI::ParseError& error) {
-  std::string text = error.what();
-  const bool repeats_words = dynamic_cast<const CLI::ExtrasError*>(&error) != nullptr ||
-                             dynamic_cast<const CLI::ConversionError*>(&error) != nullptr ||
-                             dynamic_cast<const CLI::ValidationError*>(&error) != nullptr;
-  if (!repeats_words || !speaks_of_password(text)) return text;
-  return "one of its words is wrong, and not shown since it may be a password";
-}
-
-Problem misuse(const std::string& why) {
-  return {"cannot read the command line", why, "spc --help tells what there is.", exit_misuse};
+/// The words behind "spc". "help WORDS" stands for "WORDS --help".
+std::vector<std::string> words_after_program(int argc, const char* const* argv) {
+  std::vector<std::string> words(argv + std::min(argc, 1), argv + argc);
+  if (words.empty() || words.front() != "help") return words;
+  words.erase(words.begin());
+  words.emplace_back("--help");
+  return words;
 }
 
 }  // namespace
@@ -100,19 +104,27 @@ Problem misuse(const std::string& why) {
 Reading read_arguments(int argc, const char* const* argv) {
   Reading reading;
   Grammar grammar(reading);
+  std::vector<std::string> words = words_after_program(argc, argv);
+  // The parser takes them from the end.
+  std::ranges::reverse(words);
   try {
-    grammar.app().parse(argc, argv);
+    grammar.app().parse(std::move(words));
   } catch (const CLI::CallForVersion&) {
     reading.wish = Reading::Wish::version;
     return reading;
   } catch (const CLI::CallForHelp&) {
+    if (const auto unknown = grammar.app().remaining(true); !unknown.empty())
+      throw unexpected_words(grammar.spoken_of(), unknown);
     reading.wish = Reading::Wish::help;
     reading.command = grammar.spoken_of();
     return reading;
   } catch (const CLI::ParseError& error) {
-    throw misuse(told(error));
+    // What is missing may be there, mistyped.
+    if (const auto unknown = grammar.app().remaining(true); !unknown.empty())
+      throw unexpected_words(grammar.spoken_of(), unknown);
+    throw refused(grammar.spoken_of(), error.what());
   }
-  if (reading.command == nullptr) throw misuse("it names no task");
+  if (reading.command == nullptr) throw no_task(grammar.spoken_of());
   return reading;
 }
 

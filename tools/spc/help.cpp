@@ -8,11 +8,10 @@
 namespace spc {
 namespace {
 
-constexpr std::size_t page_width = 100;
 constexpr std::size_t widest_heading = 26;
 
 /// A text in lines that fit the page, each behind an indent. The first begins at that column already.
-std::string wrapped(std::string_view text, std::size_t indent) {
+std::string wrapped(std::string_view text, std::size_t indent, std::size_t page_width) {
   std::string lines;
   std::size_t column = indent;
   for (const auto& word : words_of(text, " ")) {
@@ -31,17 +30,18 @@ std::string wrapped(std::string_view text, std::size_t indent) {
 /// Headings, and texts beside or below them.
 using Rows = std::vector<std::pair<std::string, std::string>>;
 
-std::string section(const std::string& title, const Rows& rows) {
+std::string section(const std::string& title, const Rows& rows, std::size_t page_width) {
   if (rows.empty()) return {};
+  const std::size_t widest = std::min(widest_heading, page_width / 3);
   std::size_t width = 0;
   for (const auto& row : rows)
-    if (row.first.size() <= widest_heading) width = std::max(width, row.first.size());
+    if (row.first.size() <= widest) width = std::max(width, row.first.size());
   std::string text = '\n' + title + '\n';
   const std::size_t indent = 2 + width + 2;
   for (const auto& [heading, help] : rows) {
     text += "  " + heading;
     text += heading.size() <= width ? std::string(width + 2 - heading.size(), ' ') : '\n' + std::string(indent, ' ');
-    text += wrapped(help, indent);
+    text += wrapped(help, indent, page_width);
   }
   return text;
 }
@@ -60,10 +60,10 @@ Rows rows_of(const std::vector<const Command*>& members) {
   return rows;
 }
 
-std::string examples_section(const Command& command) {
-  std::string text = command.examples.empty() ? "" : "\nExamples\n";
-  for (const Example& example : command.examples)
-    text += "  spc " + std::string(example.line) + "\n      " + wrapped(example.what, 6);
+std::string examples_section(const char* title, const std::vector<Example>& examples, std::size_t page_width) {
+  std::string text = examples.empty() ? "" : '\n' + std::string(title) + '\n';
+  for (const Example& example : examples)
+    text += "  spc " + std::string(example.line) + "\n      " + wrapped(example.what, 6, page_width);
   return text;
 }
 
@@ -75,6 +75,37 @@ Rows status_rows(const Command& command) {
 }
 
 }  // namespace
+
+const std::vector<Example>& first_steps() {
+  static const std::vector<Example> all = {
+      {"demo --keep plant.db", "make a small plant with data, in a file that does not exist yet"},
+      {"--connect sqlite:plant.db sample list", "look around in it"},
+      {"--connect sqlite:new.db db create", "make a database of your own"},
+      {"--dsn plant db check", "see that a database on a server has all tables"},
+  };
+  return all;
+}
+
+const std::vector<Surrounding>& environment() {
+  static const std::vector<Surrounding> all = {
+      {"XDG_DATA_HOME, HOME", "Where the user's data folder is: $XDG_DATA_HOME, else ~/.local/share."},
+      {"ODBCINI", "Another file of data sources than ~/.odbc.ini."},
+      {"COLUMNS", "How wide --help is, from 40 to 100; 80 when it is not set."},
+      {"LC_ALL, LC_TIME, LANG", "How spc range and spc schedule write dates and times for people."},
+      {"TZ", "The zone of local time."},
+  };
+  return all;
+}
+
+const std::vector<Surrounding>& files() {
+  static const std::vector<Surrounding> all = {
+      {"~/.local/share/spc/spc.db", "The SQLite database that is taken when none is named."},
+      {"~/.odbc.ini, /etc/odbc.ini",
+       "The data sources for --dsn. A password in a file that you alone can read is seen by nobody else."},
+      {"/etc/odbcinst.ini", "The drivers for Driver={...} in a connect text; odbcinst -q -d lists them."},
+  };
+  return all;
+}
 
 std::vector<std::string> paragraphs_of(std::string_view text) {
   std::vector<std::string> paragraphs;
@@ -132,23 +163,24 @@ std::string usage_of(const Command* command) {
   return usage;
 }
 
-std::string help_text(const Command* command) {
+std::string help_text(const Command* command, std::size_t page_width) {
   std::string text = "Usage: " + usage_of(command) + "\n\n";
-  text += command == nullptr ? std::string(purpose) + "\n" : std::string(command->help) + ".\n";
+  text += command == nullptr ? std::string(purpose) + "\n" : wrapped(std::string(command->help) + ".", 0, page_width);
   if (command != nullptr)
     for (const auto& paragraph : paragraphs_of(command->more))
-      text += '\n' + wrapped(paragraph, 0);
+      text += '\n' + wrapped(paragraph, 0, page_width);
   if (command == nullptr || command->is_group()) {
-    text += section("Commands", rows_of(members_of(command)));
+    text += section("Commands", rows_of(members_of(command)), page_width);
   } else {
-    text += section("Arguments", rows_of(options_of(*command), true));
-    text += section("Options", rows_of(options_of(*command), false));
+    text += section("Arguments", rows_of(options_of(*command), true), page_width);
+    text += section("Options", rows_of(options_of(*command), false), page_width);
   }
-  text += section("Options of all commands", rows_of(global_options(), false));
+  text += section("Options of all commands", rows_of(global_options(), false), page_width);
   if (command != nullptr && !command->is_group()) {
-    text += examples_section(*command);
-    text += section("Exit status", status_rows(*command));
+    text += examples_section("Examples", command->examples, page_width);
+    text += section("Exit status", status_rows(*command), page_width);
   } else {
+    if (command == nullptr) text += examples_section("First steps", first_steps(), page_width);
     text += "\n" + usage_of(command).substr(0, usage_of(command).find(" [")) + " --help tells more of a command.\n";
   }
   return text;

@@ -5,11 +5,13 @@
 #include <cstdlib>
 #include <filesystem>
 #include <iomanip>
+#include <system_error>
 
 #include "spcbase/platform/database/connect_text.h"
 #include "spcbase/testkit/reference_engine.h"
 #include "tools/spc/dry_run.h"
 #include "tools/spc/interruption.h"
+#include "tools/spc/opening.h"
 #include "tools/spc/problem.h"
 
 namespace spc {
@@ -31,6 +33,14 @@ fs::path data_folder() {
   if (const fs::path home = environment("HOME"); home.is_absolute()) return home / ".local" / "share" / "spc";
   throw Problem{"cannot choose a database", "neither XDG_DATA_HOME nor HOME names a folder",
                 "Name the database with --connect or --dsn.", exit_failed};
+}
+
+void make_folder(const fs::path& folder) {
+  std::error_code error;
+  fs::create_directories(folder, error);
+  if (error)
+    throw Problem{"cannot make the folder " + folder.string(), error.message(),
+                  "Name the database with --connect or --dsn, or another place in XDG_DATA_HOME."};
 }
 
 bool begins_with_scheme(std::string_view text) {
@@ -69,7 +79,7 @@ std::string connect_text_of(const Place& place, bool create, bool dry_run) {
   std::string text = place.connect;
   if (text.empty()) {
     const fs::path folder = data_folder();
-    if (create && !dry_run) doing("cannot make " + folder.string(), [&] { fs::create_directories(folder); });
+    if (create && !dry_run) make_folder(folder);
     text = sqlite_connect_text((folder / "spc.db").string());
   }
   const bool says_so = lower(text).find(";create=") != std::string::npos;
@@ -109,12 +119,20 @@ Link::Link(std::string connect_text, std::ostream* trace, DryRun* dry_run)
     : dry_run_(dry_run), shown_(spcdb::mask_password_in_connect_text(connect_text)) {
   if (shown_.ends_with(create_option)) shown_.erase(shown_.size() - create_option.size());
   if (dry_run_ != nullptr) connect_text = connect_text_for_dry_run(connect_text);
-  doing("cannot open the database " + shown_, [&] { db_.OpenEx(connect_text.c_str()); });
+  open(connect_text);
   if (trace != nullptr) db_.set_observer(&trace_.emplace(*trace));
   stop_when_interrupted(db_);
   engine_ = reference_engine::make(db_);
   // The last step: whoever began is sure to end, in the destructor.
   if (dry_run_ != nullptr) doing("cannot begin the dry run", [&] { dry_run_->begin(db_, server()); });
+}
+
+void Link::open(const std::string& connect_text) {
+  const auto outcome = guarded([&] { db_.OpenEx(connect_text.c_str()); });
+  if (outcome) return;
+  Problem problem = problem_of("cannot open the database " + shown_, outcome.failure());
+  problem.advice = advice_for_opening(connect_text, outcome.failure());
+  throw problem;
 }
 
 Link::~Link() {

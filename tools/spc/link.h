@@ -72,6 +72,7 @@ class Link {
 
  private:
   Link(std::string connect_text, std::ostream* trace, DryRun* dry_run);
+  void open(const std::string& connect_text);
 
   DryRun* dry_run_;
   std::optional<Trace> trace_;

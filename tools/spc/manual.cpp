@@ -62,10 +62,10 @@ std::string options_part(std::string_view title, const std::vector<Option>& opti
   return text.empty() ? text : section(title) + text;
 }
 
-std::string examples_part(const Command& command) {
-  if (command.examples.empty()) return {};
+std::string examples_part(const std::vector<Example>& examples) {
+  if (examples.empty()) return {};
   std::string text = section("EXAMPLES");
-  for (const Example& example : command.examples)
+  for (const Example& example : examples)
     text += ".TP\n.B " + roff("spc " + std::string(example.line)) + "\n" + roff(example.what) + "\n";
   return text;
 }
@@ -79,13 +79,22 @@ std::string status_part(const Command& command) {
 
 std::string reference(const std::string& name) { return ".BR " + roff(name) + " (1)"; }
 
+std::string surroundings_part(std::string_view title, const std::vector<Surrounding>& all) {
+  std::string text = section(title);
+  for (const Surrounding& one : all)
+    text += tagged(std::string(one.name), std::string(one.what));
+  return text;
+}
+
 std::string manual_of_all() {
   std::string text = head("spc") + section("NAME") + "spc \\- administers databases of measured samples\n" +
                      section("SYNOPSIS") + ".B " + roff(usage_of(nullptr)) + "\n" + section("DESCRIPTION") +
                      roff(purpose) + "\nEach command has a page of its own.\n" + section("COMMANDS");
   for (const Command& command : commands())
     if (!command.is_group()) text += ".TP\n" + reference(page_name(command)) + "\n" + roff(command.help) + ".\n";
-  return text + options_part("OPTIONS", global_options(), false) + status_part({.path = "", .help = ""});
+  return text + options_part("OPTIONS", global_options(), false) + examples_part(first_steps()) +
+         surroundings_part("ENVIRONMENT", environment()) + surroundings_part("FILES", files()) +
+         status_part({.path = "", .help = ""});
 }
 
 }  // namespace
@@ -103,7 +112,8 @@ std::string manual_of(const Command* command) {
   text += options_part("ARGUMENTS", options_of(*command), true);
   text += options_part("OPTIONS", options_of(*command), false);
   text += options_part("OPTIONS OF ALL COMMANDS", global_options(), false);
-  return text + examples_part(*command) + status_part(*command) + section("SEE ALSO") + reference("spc") + "\n";
+  return text + examples_part(command->examples) + status_part(*command) + section("SEE ALSO") + reference("spc") +
+         "\n";
 }
 
 }  // namespace spc

@@ -6,6 +6,7 @@
 #include "spcbase/companion/adonet_support.h"
 #include "spcbase/companion/oledb_connection.h"
 #include "tools/spc/connection_text.h"
+#include "tools/spc/opening.h"
 #include "tools/spc/problem.h"
 
 namespace spc {
@@ -47,9 +48,21 @@ class Outside {
   CDatabase database_;
 };
 
+/// Whether a text names neither a driver nor a data source of ODBC.
+bool for_providers(const std::string& connection) {
+  return connection.find('=') != std::string::npos && spelling_of(connection) == Spelling::quotes &&
+         !names_sqlite_file(connection);
+}
+
 Problem outside_problem(const std::string& what, const Failure& failure, const std::string& connection) {
   Problem problem = problem_of(what, failure);
   problem.note = "The connection string is " + shown_connection(connection);
+  if (failure.kind != FailureKind::database) return problem;
+  problem.advice =
+      for_providers(connection)
+          ? "It is one for programs that use OLE DB or ADO.NET. Here a data source is opened over ODBC alone, by "
+            "Driver={...}, DSN=... or sqlite:FILE."
+          : advice_for_opening(connection, failure);
   return problem;
 }
 

@@ -41,6 +41,13 @@ std::string command_section(const Command& command) {
   return text;
 }
 
+std::string surroundings_table(const std::string& title, const std::string& kind, const std::vector<Surrounding>& all) {
+  std::string text = "\n## " + title + "\n\n| " + kind + " | |\n|---|---|\n";
+  for (const Surrounding& one : all)
+    text += "| " + code(one.name) + " | " + escaped_for_table(one.what) + " |\n";
+  return text;
+}
+
 std::string group_section(const Command& group) {
   std::string text = "## " + std::string(group.path) + "\n\n" + std::string(group.help) + ".\n\n";
   for (const Command* member : members_of(&group))
@@ -65,6 +72,10 @@ std::string commands_document() {
       "## Exit status\n\n| status | |\n|---|---|\n";
   for (const auto& [status, meaning] : exit_statuses({.path = "", .help = ""}))
     text += "| " + std::to_string(status) + " | " + escaped_for_table(meaning) + " |\n";
+  text += "\n## First steps\n\n";
+  for (const Example& example : first_steps())
+    text += "- `spc " + std::string(example.line) + "`: " + std::string(example.what) + "\n";
+  text += surroundings_table("Environment", "variable", environment()) + surroundings_table("Files", "file", files());
   text += '\n';
   std::string alone;
   for (const Command* command : members_of(nullptr))

@@ -15,6 +15,10 @@ Problem problem_of(std::string_view what, const Failure& failure) {
     problem.why += " (" + facts + ")";
   }
   problem.advice = failure.advice.view();
+  if (problem.why == "std::bad_alloc") {
+    problem.why = "there is not enough memory";
+    problem.advice = "See that the file or the data are not larger than was meant.";
+  }
   return problem;
 }
 

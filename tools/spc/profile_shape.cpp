@@ -76,6 +76,10 @@ std::string list_of(const std::vector<Named>& all) {
   return all.size() > most ? text + ", ..." : text;
 }
 
+std::string there_are(const std::vector<Named>& all) {
+  return "There " + std::string(all.size() == 1 ? "is " : "are ") + list_of(all) + ".";
+}
+
 /// Finds among the rows that satisfy `condition`, which may be empty.
 Named find(Link& link, const Kind& kind, const std::string& wanted, const CString& condition = {}) {
   const std::string word = kind.word;
@@ -94,7 +98,7 @@ Named find(Link& link, const Kind& kind, const std::string& wanted, const CStrin
     throw Problem{what, "there is none of that name or number",
                   all.empty() ? (condition.IsEmpty() ? "The database has no " + word + " at all."
                                                      : "There is no " + word + " that this user may see.")
-                              : "There " + std::string(all.size() == 1 ? "is " : "are ") + list_of(all) + "."};
+                              : there_are(all)};
   });
 }
 
@@ -107,6 +111,11 @@ Named find_profile(Link& link, const std::string& name_or_id, int as_user) {
 }
 Named find_station(Link& link, const std::string& name_or_id) { return find(link, stations, name_or_id); }
 Named find_user(Link& link, const std::string& name_or_id) { return find(link, users, name_or_id); }
+
+std::string users_there_are(Link& link) {
+  const auto all = doing("cannot read the users", [&] { return rows_of(link, users, ""); });
+  return all.empty() ? "The database has no user at all." : there_are(all);
+}
 
 std::string profile_name(Link& link, int id) {
   return doing("cannot read the profiles", [&] {

@@ -33,6 +33,9 @@ Named find_profile(Link& link, const std::string& name_or_id, int as_user = 0);
 Named find_station(Link& link, const std::string& name_or_id);
 Named find_user(Link& link, const std::string& name_or_id);
 
+/// A sentence that names the users with their ids.
+std::string users_there_are(Link& link);
+
 /// The name of a profile; "?" when it is gone.
 std::string profile_name(Link& link, int id);
 

@@ -136,7 +136,7 @@ void require_free_name(const std::vector<SourceRow>& rows, const Definition& def
       rows, [&](const SourceRow& row) { return !row.removed && row.id != base.id && row.name == name; });
   if (taken == rows.end()) return;
   throw Problem{what, described(*taken) + " has this name already",
-                "Names tell data sources apart for people: give another one with --name."};
+                "Names tell data sources apart for people: give this one another."};
 }
 
 Definition read_definition(Link& link, const SourceRow& row, int max_size, const std::string& what) {

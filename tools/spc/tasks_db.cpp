@@ -57,6 +57,8 @@ CheckResult check(Link& link) {
 
 std::string connection_text(const CheckResult& result) {
   if (result.answers) return "alive, a statement was answered";
+  if (result.schema.present.empty() && result.driver_says_alive)
+    return "alive says the driver; no table is there to ask for";
   return result.driver_says_alive ? "alive says the driver, but a statement on CSMON failed"
                                   : "a statement on CSMON failed";
 }
@@ -66,7 +68,12 @@ void print_check(std::ostream& out, const CheckResult& result) {
       << "server      " << result.server << '\n'
       << "connection  " << connection_text(result) << '\n'
       << "dialect     " << result.dialect << ", " << dialect_name(result.dialect) << '\n'
-      << "schema      " << (result.complete() ? "complete: " : "") << counted(result.schema.tables, "table") << ", "
+      << "schema      ";
+  if (result.schema.present.empty()) {
+    out << "none of its " << result.schema.missing.size() << " tables and views is there\n";
+    return;
+  }
+  out << (result.complete() ? "complete: " : "") << counted(result.schema.tables, "table") << ", "
       << counted(result.schema.views, "view");
   if (!result.complete()) out << "; missing: " << result.schema.missing.size();
   out << '\n';

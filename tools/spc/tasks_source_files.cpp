@@ -48,6 +48,14 @@ Head read_head(const std::string& xml) {
   return head;
 }
 
+Head read_head_of(const std::string& xml, const std::string& what) {
+  auto outcome = guarded([&] { return read_head(xml); });
+  if (outcome) return std::move(outcome).value();
+  Problem problem = problem_of(what, outcome.failure());
+  problem.advice = "Name a file that spc source export has written.";
+  throw problem;
+}
+
 /// Whether a text is made of what enciphered texts are made of, and of nothing else.
 bool looks_enciphered(const std::string& text) {
   return std::ranges::all_of(text, [](char c) {
@@ -91,7 +99,7 @@ bool is_hidden(const Head& head, int kind) {
 }
 
 Definition read_file_definition(const std::string& xml, const SourceRequest& request, const std::string& what) {
-  const Head head = doing(what, [&] { return read_head(xml); });
+  const Head head = read_head_of(xml, what);
   if (head.root != root_name)
     throw Problem{what, "it is no definition of a data source: its root is " + head.root + ", not " + root_name,
                   "spc source export writes such files."};

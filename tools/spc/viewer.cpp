@@ -3,6 +3,7 @@
 #include "spcbase/foundation/access_predicate.h"
 #include "spcbase/foundation/recordset.h"
 #include "tools/spc/problem.h"
+#include "tools/spc/profile_shape.h"
 
 namespace spc {
 
@@ -16,8 +17,7 @@ void check_viewer(Link& link, int user) {
     requery_rs_for_read(count, filter, true);
     return count.m_bEOF ? 0 : count.result;
   });
-  if (found == 0)
-    throw Problem{what, "there is no user of this number", "--as-user takes the USERID of a row in CSUSER."};
+  if (found == 0) throw Problem{what, "there is no user of this number", users_there_are(link)};
 }
 
 CString visible_profiles(const char* column, int user) {

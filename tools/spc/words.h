@@ -18,6 +18,10 @@ std::vector<std::string> words_of(std::string_view text, std::string_view separa
 /// "day, week or month".
 std::string either(const std::vector<std::string>& words);
 
+/// The word that a mistyped one stands for: it begins with it, or differs from it in so few letters that nothing else
+/// can be meant; empty when there is none.
+std::string nearest(std::string_view mistyped, const std::vector<std::string>& words);
+
 /// A text as a literal of SQL.
 std::string sql_literal(std::string_view text);
 
