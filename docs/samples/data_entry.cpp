@@ -1,4 +1,4 @@
-// Data entry on a database that has the schema: a profile with every kind of element, a sample, and its grid again.
+// Data entry on a database that has the schema: a profile, a sample, its grid again, and the engine's numbers.
 //
 //     data_entry sqlite:plant.db
 #include <cstdio>
@@ -6,10 +6,13 @@
 #include "spcbase/dataentry/sample.h"
 #include "spcbase/foundation/connection.h"
 #include "spcbase/foundation/outcome.h"
+#include "spcbase/platform/automation/bstr_t.h"
+#include "spcbase/platform/automation/com_error.h"
+#include "spcbase/platform/automation/error_info.h"
 #include "spcbase/platform/automation/safe_array.h"
 #include "spcbase/platform/automation/variant_t.h"
-#include "spcbase/testkit/reference_engine.h"
 #include "spcbase/testkit/plant.h"
+#include "spcbase/testkit/reference_engine.h"
 
 namespace {
 
@@ -70,6 +73,18 @@ long save(const SPCLib::IQsmSPCPtr& engine, CDatabaseEx& db, oldde::DEHelper& he
   return sample;
 }
 
+// The next id of a table, from its counter. The exception takes over what the engine said of a failure.
+int next_number(const SPCLib::IQsmSPCPtr& engine, const char* counter) {
+  LONG number = 0;
+  const HRESULT result = engine->GetNextRunningNumber(_bstr_t(counter), &number);
+  if (FAILED(result)) {
+    IErrorInfo* said = nullptr;
+    GetErrorInfo(0, &said);
+    throw _com_error(result, said);
+  }
+  return number;
+}
+
 // A sample is found only under its own profile.
 void print_failure(const SPCLib::IQsmSPCPtr& engine, CDatabaseEx& db, oldde::DEHelper& helper, int sample,
                    int profile) {
@@ -91,6 +106,9 @@ void run(const char* connect) {
   print_grid(grid);
   SafeArrayDestroy(grid);
   print_failure(engine, db, helper, sample, other);
+  std::printf("the next monitor is %d\n", next_number(engine, "CSMNRN"));
+  const auto refused = guarded([&] { return next_number(engine, "CSNONE"); });
+  std::printf("%s\n", refused.failure().text.GetString());
 }
 
 }  // namespace

@@ -1,9 +1,8 @@
-// A host that opens a connection, reads and edits rows, keeps a payload, repairs a running number and reads settings.
+// A host that opens a connection, reads and edits rows, keeps payloads, repairs a running number and reads settings.
 #include <cstdio>
 
 #include "spcbase/foundation/blob.h"
 #include "spcbase/foundation/connection.h"
-#include "spcbase/foundation/failure.h"
 #include "spcbase/foundation/outcome.h"
 #include "spcbase/foundation/payload.h"
 #include "spcbase/foundation/recordset.h"
@@ -19,6 +18,7 @@ void make_tables(CDatabaseEx& db) {
   db.ExecuteSQL("CREATE TABLE CSSTRN (MAXNO INTEGER NOT NULL)");
   db.ExecuteSQL("INSERT INTO CSSTRN (MAXNO) VALUES (0)");
   db.ExecuteSQL("CREATE TABLE CSMOPB (MONID INTEGER NOT NULL PRIMARY KEY, OPTVAL BLOB)");
+  db.ExecuteSQL("CREATE TABLE MYPHOTO (STNID INTEGER NOT NULL PRIMARY KEY, DATA BLOB)");
   db.ExecuteSQL(
       "CREATE TABLE CSINI (QUAL VARCHAR(255), SECT VARCHAR(255), KYWORD VARCHAR(255), SEQNO INTEGER, "
       "OPTVAL VARCHAR(255))");
@@ -38,9 +38,13 @@ class Stations : public TableRecordset<Stations> {
       coltab::table(coltab::key("[STNID]", &Stations::id), coltab::field("[NAME]", &Stations::name, 255));
 };
 
+// Opening reads every row that the filter lets through, and AddNew wants an open recordset: so look for the new key
+// alone.
 void add_station(CDatabaseEx& db, long id, const char* name) {
   Stations rs(&db);
-  if (rs.Open(CRecordset::snapshot, nullptr, CRecordset::appendOnly) == 0) throw_can_not_open_rs_exception();
+  CString key;
+  key.Format("[STNID] = %ld", id);
+  requery_rs(rs, key, true);
   rs.AddNew();
   rs.id = id;
   rs.name = name;
@@ -75,11 +79,52 @@ void print_stations(CDatabaseEx& db) {
     std::printf("%ld %s\n", rs.id, rs.name.GetString());
 }
 
+// A deadlock has taken everything back: the same work again from its beginning, a few times at most.
+template <class Work>
+auto in_transaction(CDatabaseEx& db, Work work) {
+  for (int attempt = 1;; ++attempt) {
+    auto done = guarded([&] {
+      AutoODBCTransaction transaction(db, true);
+      work();
+      transaction.commit();
+    });
+    if (done || !done.failure().may_retry() || attempt == 5) return done;
+  }
+}
+
 // Names of functions and casts differ between servers; the dialect is asked for once.
 void print_dialect(CDatabaseEx& db) {
   const int dialect = dbcheck::find_db_type(db);
   std::printf("dialect %d, of the kind of SQL Server: %s\n", dialect,
               dbcheck::make_check_null_function(0, "NAME", "''").GetString());
+}
+
+// A class of the host's own with a blob, which is the last column; what holds its bytes comes with the base.
+class Photos : public SingleBlobColumnRecordset<Photos> {
+ public:
+  using SingleBlobColumnRecordset::SingleBlobColumnRecordset;
+
+  long station = 0;
+
+  static constexpr const char* source = "[MYPHOTO]";
+  static constexpr auto columns = coltab::table(coltab::key("[STNID]", &Photos::station), coltab::blob("[DATA]"));
+};
+
+void keep_photo(CDatabaseEx& db, long station, const CString& bytes) {
+  Photos rs(&db, 0);  // 0: in pieces; else the size of a buffer in bytes, for a driver that cannot
+  CString key;
+  key.Format("[STNID] = %ld", station);
+  requery_rs(rs, key, true);
+  if (rs.IsEOF()) {
+    rs.AddNew();
+    rs.station = station;
+  } else {
+    rs.Edit();
+  }
+  rs.set_blob_data(rs, bytes);
+  rs.Update();
+  requery_rs_for_read(rs, nullptr, true);
+  std::printf("photo of station %ld: %d bytes\n", rs.station, rs.get_blob_str(rs).GetLength());
 }
 
 void keep_payload(CDatabaseEx& db) {
@@ -113,9 +158,10 @@ void run() {
   add_station(db, 1, "Forge");
   add_station(db, 2, "Joe's bench");
   rename_station(db, "Joe's bench", "Bench 2");
-  const auto added = guarded([&] { add_two(db); });
+  const auto added = in_transaction(db, [&] { add_two(db); });
   std::printf("%s: %s\n", describe(added.failure().failure_class), added.failure().advice.GetString());
   print_stations(db);
+  keep_photo(db, 2, CString("\0\xff", 2));
   keep_payload(db);
   repair_number(db);
   print_setting(db);

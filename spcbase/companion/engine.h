@@ -4,7 +4,8 @@
 /// `SPCLib::IQsmSPCPtr`. It owns the running numbers, the auto labels and the facts about characteristics.
 ///
 /// Every method returns a result code and lets no exception out. A failing method may leave an error object that names
-/// `IQsmSPC` on the calling thread (`SetErrorInfo`), which data entry puts into the `_com_error` that it throws.
+/// `IQsmSPC` on the calling thread (`SetErrorInfo`), which data entry puts into the `_com_error` that it throws. A host
+/// that calls a method itself does the same (`GetErrorInfo`); else what the engine said is lost.
 ///
 /// Null:    a null pointer, used, throws `_com_error` with E_POINTER.
 /// Threads: as the engine that is handed in allows; data entry calls it on the caller's thread only.

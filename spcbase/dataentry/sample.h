@@ -25,9 +25,9 @@
 ///
 /// Fails: `long`, a sign-extended HRESULT: 0x80041508 a recordset did not open; 0x80041507 nothing was written;
 ///        0x8004150a the grid has the wrong number of columns, or a cell cannot be converted; 0x8004150d the sample is
-///        not one of this profile, or the array cannot be made; E_INVALIDARG no grid or an unusable one; E_UNEXPECTED
-///        an element or label of an unknown kind. `_com_error` from the engine, `CDBException*` from the database,
-///        `DBException` when the grid's size cannot be asked.
+///        not one of this profile, or the array cannot be made; DISP_E_BADINDEX a grid of one dimension; E_INVALIDARG
+///        no grid or another unusable one; E_UNEXPECTED an element or label of an unknown kind. `_com_error` from the
+///        engine, `CDBException*` from the database, `DBException` when the grid's size cannot be asked.
 /// Threads: a helper belongs to one thread at a time. The numbers of announced samples come from one counter of the
 ///          process, which is not atomic.
 #pragma once
@@ -78,6 +78,7 @@ class SPCBASE_API DEHelper : public CProfileCache {
   /// every other number has its data replaced. The number of rows is the grid's own.
   /// `sample` in: 0 or the sample; out: the sample. `date` receives its local time to the second (null: not wanted).
   /// With revision 0 the current profile is loaded; with another the cache is used as it stands.
+  /// Null:    `sample` must not be; a null grid is a failure, after a new sample was created.
   /// Returns true when the sample was created.
   bool set_data(const SPCLib::IQsmSPCPtr& engine, CDatabase& db, long* sample, int profile, long revision, int station,
                 int user, const CString& user_name, SAFEARRAY** grid, double* date);

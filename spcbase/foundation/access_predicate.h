@@ -1,6 +1,7 @@
 /// Conditions of SQL for what a user may see: an object that lists the user, or a group of the user's.
 ///
-/// Part of the database foundation. A user of 0 sees everything, without a condition.
+/// Part of the database foundation. A user of 0 sees everything: the host adds no condition then. Filled with 0, it
+/// admits nobody.
 ///
 ///     set_rs_where_clause(rs, access_predicate::fill(access_predicate::profiles, "[PROFID]", user));
 #pragma once

@@ -44,7 +44,7 @@ class SPCBASE_API CDatabaseEx : public CDatabase {
 /// passive, and so is a guard on a connection without transactions.
 class SPCBASE_API AutoODBCTransaction {
  public:
-  /// Begins a transaction, unless one is open already or the connection has none.
+  /// Begins a transaction, unless one is open already, the connection has none, or it is not open.
   /// Fails: CDBException* from the server when `throwing` is set; else the guard is passive and work goes on without a
   /// transaction.
   AutoODBCTransaction(CDatabaseEx& database, bool throwing);

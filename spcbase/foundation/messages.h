@@ -1,8 +1,8 @@
 /// Translations of the library's messages.
 ///
 /// Part of the database foundation. Every text for people that the library makes itself (failures, the names of
-/// periods, the sentence about a schedule) stands in its message table under a fixed number (messages.inc). A host may
-/// put a translation in the place of any of them:
+/// periods, the sentence about a schedule) stands in its message table under a fixed number. A host may put a
+/// translation in the place of any of them:
 ///
 ///     install_messages({{1019, "Heute"}, {1034, "die letzten %d %s"}});
 ///     ...
@@ -21,6 +21,20 @@
 #include "spcbase/platform/system/export.h"
 #include "spcbase/platform/system/types.h"
 #include "spcbase/platform/text/cstring.h"
+
+/// One of the library's messages.
+struct LibraryMessage {
+  UINT number;          ///< fixed
+  const char* english;  ///< UTF-8, with its placeholders
+};
+
+/// What becomes of a line of the list below.
+#define SPCBASE_MESSAGE(id, name, text) {id, text},
+/// All of them, ordered by number: what there is to translate.
+inline constexpr LibraryMessage library_messages[] = {
+#include "spcbase/foundation/messages.inc"
+};
+#undef SPCBASE_MESSAGE
 
 /// Puts texts, UTF-8, in the place of those with the same number, and takes away what an earlier call put there.
 /// Numbers that are not given keep the library's own English; an empty table brings all of them back.

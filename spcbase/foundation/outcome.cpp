@@ -124,26 +124,77 @@ struct CodeWords {
   const char* advice;
 };
 
-// The codes of data entry travel without a text.
+// The codes of data entry travel without a text. A null stands for the system's own.
 constexpr CodeWords words_of_codes[] = {
     {result_code::update_failed, "A row was not written: nothing in it was set.",
      "See that the sample's profile is complete, then do the work again."},
     {result_code::open_failed, "A recordset did not open, or data that is needed could not be read.",
      "See that the database is connected and that the profile exists."},
     {result_code::bad_value, "A value cannot be converted, or an argument is unusable.",
-     "Compare the values with the profile's columns: a number is wanted where there is a text."},
+     "See that the profile exists, and that the grid has its columns, with values that can be converted to theirs."},
     {result_code::no_array_or_row, "There is no usable row, or the array of values could not be built.",
      "See that the sample exists and belongs to the profile, and that the grid has the profile's size."},
+    {DISP_E_BADINDEX, nullptr, "See that the array has all the dimensions that are wanted."},
+    {result_code::invalid_argument, nullptr,
+     "See that the array is there, and that its dimensions, lower bounds and element type are those that are wanted."},
 };
+
+CString system_text(long code) { return _com_error(static_cast<HRESULT>(code)).ErrorMessage(); }
 
 Failure describe_code(long code) {
   for (const auto& words : words_of_codes) {
     if (words.code != code) continue;
-    Failure failure = failure_of(FailureKind::result_code, code, words.text);
+    Failure failure =
+        failure_of(FailureKind::result_code, code, words.text != nullptr ? CString(words.text) : system_text(code));
     failure.advice = words.advice;
     return failure;
   }
-  return failure_of(FailureKind::result_code, code, _com_error(static_cast<HRESULT>(code)).ErrorMessage());
+  return failure_of(FailureKind::result_code, code, system_text(code));
+}
+
+struct MessageWords {
+  UINT message;
+  const char* advice;
+};
+
+// A DBException has its message alone: what to do follows from the text that the host sees.
+constexpr MessageWords words_of_messages[] = {
+    {msg::can_not_open_recordset, "See that the connection is open; when its link was lost, connect again."},
+    {msg::no_such_connection, "List the data sources anew: this one was removed, or never was."},
+    {msg::not_ole_db_connection, "Read the definition as one of the other kind."},
+    {msg::blob_too_large, "Allow long data more bytes, or 0 on a driver that takes them in pieces."},
+    {msg::array_exceeds_limit, "Allow the array more bytes, or hand in a smaller one."},
+    {msg::xml_error, "Compare the XML with its format: an element lacks the text that it must have."},
+    {msg::invalid_argument, "See that lists are there, and that arrays have one dimension."},
+    {msg::duplicate_access_item, "Change the line of this id and kind that the list has."},
+    {msg::invalid_schedule, "Give five fields: minute, hour, day of the month, month, day of the week."},
+    {msg::invalid_repeat, "Give three or five fields: interval, unit, end."},
+    {msg::no_temporary_folder, "Give a folder that exists and can be written to."},
+    {msg::no_temporary_file, "Give a folder that exists, has room and can be written to."},
+};
+
+Failure describe_own_failure(const DBException& exception) {
+  Failure failure = failure_of(FailureKind::library, exception.error_code, exception.what());
+  for (const auto& words : words_of_messages)
+    if (failure.text == load_message(words.message)) failure.advice = words.advice;
+  return failure;
+}
+
+// By the number of the reason.
+constexpr const char* advice_of_reasons[] = {
+    "Save the object first: it has no revisions.",
+    "Read the latest revision and approve that: somebody saved one since, or the manager's memory is too old.",
+    "Nothing is left to do: the revision is approved.",
+    "Save the object again: the next revision goes past this one, which has no payload.",
+    "Look whether the new row stands, then do the work again.",
+};
+
+Failure describe_revision_failure(const rev::RevisionException& exception) {
+  Failure failure = failure_of(FailureKind::revision, exception.error_code, exception.what());
+  failure.native = exception.reason;
+  const auto reason = static_cast<std::size_t>(exception.reason);  // below 0 is past the end
+  if (reason < std::size(advice_of_reasons)) failure.advice = advice_of_reasons[reason];
+  return failure;
 }
 
 long code_of(CException* exception) noexcept {
@@ -201,9 +252,9 @@ Failure describe_current_failure() {
   try {
     throw;
   } catch (const rev::RevisionException& e) {
-    return failure_of(FailureKind::revision, e.error_code, e.what());
+    return describe_revision_failure(e);
   } catch (const DBException& e) {
-    return failure_of(FailureKind::library, e.error_code, e.what());
+    return describe_own_failure(e);
   } catch (long code) {
     return describe_code(code);
   } catch (CDBException* e) {

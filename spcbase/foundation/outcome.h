@@ -52,7 +52,7 @@ struct SPCBASE_API Failure {
   FailureClass failure_class = FailureClass::other;  ///< what a database's failure means; `other` for what is none
   long code = 0;                                     ///< the result code; of a CDBException its `m_nRetCode`
   CString sqlstate;                                  ///< five characters; empty when no database had a say
-  long native = 0;                                   ///< the server's own number
+  long native = 0;                                   ///< the server's own number; of a RevisionException its `reason`
   CString text;                                      ///< what the thrower said
   CString advice;                                    ///< one sentence on what to do about it
 

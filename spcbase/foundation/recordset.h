@@ -85,7 +85,7 @@ class SPCBASE_API RSMaxDateTime : public CRecordset {
   CString column_name;  ///< the server's name of the result column, once it is known
 };
 
-/// A property of a SQL Server, as text.
+/// A property of a SQL Server, as text. For the library's own use, not exported; a host asks `get_sql_server_edition`.
 class RSSQLServerProperty : public CRecordset {
  public:
   /// The name of a property as SERVERPROPERTY takes it.

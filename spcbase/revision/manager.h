@@ -31,7 +31,7 @@
 
 namespace rev {
 
-/// The numbers of the latest revisions, by object id.
+/// The numbers of the latest revisions, by object id. A part of the manager, which alone calls it: not exported.
 class LatestRevisionCacheHelper {
  public:
   /// What is known of an object.

@@ -22,7 +22,7 @@ struct MonthInfo {
   char long_name[16];  ///< in English
 };
 
-/// The twelve months, January first.
+/// The twelve months, January first. For the library's own use: not exported.
 extern const MonthInfo month_table[12];
 
 /// Divisible by 4 and not by 100, or by 400.
@@ -43,7 +43,8 @@ SPCBASE_API double TimeHMSToNumber(int hour, int minute, int second);
 /// Order by fields, from year to second. A moment that is not valid comes before every valid one.
 SPCBASE_API bool less_than_dt(const COleDateTime& left, const COleDateTime& right);
 
-/// Equality of the six fields. Two moments that are not valid are equal, whatever their status.
+/// Equality of the six fields. Two moments that are not valid are equal, whatever their status. For the library's own
+/// use: not exported.
 bool equal_dt(const COleDateTime& left, const COleDateTime& right);
 
 /// Order and equality by all seven fields, the fraction included.

@@ -10,6 +10,8 @@
 #include <array>
 #include <atomic>
 #include <cstdint>
+#include <iterator>
+#include <map>
 #include <memory>
 #include <stdexcept>
 #include <string>
@@ -36,6 +38,25 @@ std::string refusal(const std::map<UINT, CString>& texts) {
   } catch (const std::invalid_argument& failure) {
     return failure.what();
   }
+}
+
+TEST(library_messages, are_the_whole_table_for_who_translates_it) {
+  const auto table = all_messages();
+  ASSERT_EQ(std::size(library_messages), table.size());
+  for (std::size_t i = 0; i < table.size(); ++i) {
+    EXPECT_EQ(library_messages[i].number, table[i].id);
+    EXPECT_STREQ(library_messages[i].english, table[i].text);
+  }
+}
+
+TEST(install_messages, a_text_for_every_number_is_taken) {
+  std::map<UINT, CString> all;
+  for (const auto& message : library_messages)
+    all[message.number] = message.english;
+  install_messages(all);
+  for (const auto& message : library_messages)
+    EXPECT_STREQ(load_message(message.number).GetString(), message.english);
+  install_messages({});
 }
 
 TEST(install_messages, shows_the_installed_text_and_english_for_numbers_it_lacks) {

@@ -10,14 +10,18 @@
 
 #include <memory>
 #include <new>
+#include <set>
 #include <stdexcept>
 #include <string>
 #include <vector>
 
 #include "spcbase/foundation/failure.h"
+#include "spcbase/foundation/messages.h"
 #include "spcbase/platform/automation/com_error.h"
 #include "spcbase/platform/automation/error_info.h"
+#include "spcbase/platform/database/database.h"
 #include "spcbase/platform/database/db_exception.h"
+#include "spcbase/schedule/strings.h"
 
 namespace {
 
@@ -63,6 +67,22 @@ TEST(guarded, tells_the_librarys_own_failure) {
   EXPECT_EQ(f.text, "Can not open recordset.");
   EXPECT_EQ(f.failure_class, FailureClass::other);
   EXPECT_TRUE(f.sqlstate.IsEmpty());
+  EXPECT_EQ(f.advice, "See that the connection is open; when its link was lost, connect again.");
+}
+
+TEST(guarded, knows_what_to_do_about_the_librarys_own_failure_in_another_language_too) {
+  install_messages({{1036, "unbrauchbarer Zeitplan"}});
+  const Failure f = guarded([] {
+                      schd::ScheduleStringInfo schedule;
+                      schd::ScheduleStringInfo::parse_schedule_string("1 2", schedule);
+                    }).failure();
+  install_messages({});
+  EXPECT_EQ(f.text, "unbrauchbarer Zeitplan");
+  EXPECT_EQ(f.advice, "Give five fields: minute, hour, day of the month, month, day of the week.");
+}
+
+TEST(guarded, has_no_special_advice_for_a_text_that_it_does_not_know) {
+  EXPECT_GE(failure_from(DBException("a host's own", E_FAIL)).advice.Find("nothing else is known"), 0);
 }
 
 TEST(guarded, tells_a_failure_of_revision_control) {
@@ -70,6 +90,32 @@ TEST(guarded, tells_a_failure_of_revision_control) {
   EXPECT_EQ(f.kind, FailureKind::revision);
   EXPECT_EQ(f.code, E_FAIL);
   EXPECT_EQ(f.text, "Approving a broken revision is not allowed.");
+  EXPECT_EQ(f.native, 4);
+}
+
+TEST(guarded, tells_the_reasons_of_revision_control_apart) {
+  std::set<std::string> advices;
+  for (int reason = 0; reason <= 4; ++reason) {
+    const Failure f = failure_from(rev::RevisionException(1, 2, 3, reason));
+    EXPECT_EQ(f.native, reason);
+    EXPECT_EQ(f.advice.Find("nothing else is known"), -1) << reason;
+    advices.insert(f.advice.GetString());
+  }
+  EXPECT_EQ(advices.size(), 5U);
+  for (const int unknown : {-1, 5}) {
+    const Failure f = failure_from(rev::RevisionException(1, 2, 3, unknown));
+    EXPECT_EQ(f.native, unknown);
+    EXPECT_GE(f.advice.Find("nothing else is known"), 0) << unknown;
+  }
+}
+
+TEST(guarded, tells_what_is_wrong_with_an_array) {
+  for (const long code : {result_code::invalid_argument, long{DISP_E_BADINDEX}}) {
+    const Failure f = failure_from(code);
+    EXPECT_EQ(f.code, code);
+    EXPECT_FALSE(f.text.IsEmpty());
+    EXPECT_GE(f.advice.Find("dimensions"), 0) << f.advice;
+  }
 }
 
 TEST(guarded, tells_a_result_code_in_words) {
@@ -338,6 +384,14 @@ TEST(describe_failure, a_driver_that_cannot_stream_gets_an_advice_of_its_own) {
     EXPECT_EQ(f.failure_class, FailureClass::other);
     EXPECT_GE(f.advice.Find("allow long data a buffer (--max-size"), 0) << f.advice;
   }
+}
+
+TEST(describe_failure, connecting_twice_is_no_lost_link) {
+  CDatabase db;
+  db.OpenEx("sqlite::memory:");
+  const Failure f = guarded([&] { db.OpenEx("sqlite::memory:"); }).failure();
+  EXPECT_EQ(f.sqlstate, "08002");
+  EXPECT_EQ(f.failure_class, FailureClass::other);
 }
 
 TEST(describe_failure, a_lost_transaction_may_be_tried_again) {

@@ -25,6 +25,7 @@ inline constexpr Rule rules[] = {
     {"40001", 0, nullptr, FailureClass::deadlock},
     {"40P01", 0, nullptr, FailureClass::deadlock},
     {"08001", 26, nullptr, FailureClass::other},
+    {"08002", 0, nullptr, FailureClass::other},  // connected already: the host's mistake, the link is well
     {"08", 0, nullptr, FailureClass::link_lost},
     {"23505", 0, nullptr, FailureClass::duplicate_key},
     {"23503", 0, nullptr, FailureClass::missing_reference},

@@ -12,8 +12,9 @@
 ///                                                     coltab::field("[NAME]", &RSNode1::name, 255));
 ///     };
 ///
-/// Order matters: it is that of the select list and of the fields. A field is named as its column, in lower case. Keys
-/// are the columns by which a fetched row is found again when it is edited.
+/// A field is a `long`, a `CString`, whose width is in characters, a `double` or a `TIMESTAMP_STRUCT`; a class with a
+/// blob has another base (blob.h). Order matters: it is that of the select list and of the fields. A field is named as
+/// its column, in lower case. Keys are the columns by which a fetched row is found again when it is edited.
 #pragma once
 
 #include <array>

@@ -1,6 +1,7 @@
 /// Connect texts: KEY=value pairs parted by semicolons, a value with special characters standing in {braces}.
 ///
-/// Part of the database platform layer.
+/// Part of the database platform layer, for the library's own use: all but `mask_password_in_connect_text` is not
+/// exported.
 #pragma once
 
 #include <cstddef>

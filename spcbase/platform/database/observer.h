@@ -33,7 +33,8 @@ class SPCBASE_API StatementObserver {
   virtual void on_statement(const StatementReport& report) noexcept = 0;
 };
 
-/// Whether a column, quoted or not and in any case, holds passwords: its name holds PASSWORD or is PWD.
+/// Whether a column, quoted or not and in any case, holds passwords: its name holds PASSWORD or is PWD. For
+/// the layer's own use: not exported.
 bool names_a_password(std::string_view column) noexcept;
 
 /// Replaces the text literals that stand for a password column's value in a statement (compared with, assigned to or

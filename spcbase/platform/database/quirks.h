@@ -51,6 +51,7 @@ struct Quirks {
 
 /// The facts of a server that is reached through ODBC, by the names that its driver gives. The quote characters
 /// and, where `backslash_escapes` is set, whether they do so now, depend on a server's settings: the session asks.
+/// For the layer's own use: not exported.
 Quirks quirks_of(std::string_view dbms_name, std::string_view driver_name);
 
 }  // namespace spcdb

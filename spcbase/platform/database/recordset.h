@@ -56,7 +56,8 @@ class SPCBASE_API CRecordset {
  public:
   /// How rows are taken: `forwardOnly` reads straight from the server, the others hold the rows of the opening.
   enum OpenType : UINT { dynaset = 0, snapshot = 1, forwardOnly = 2, dynamic = 3 };
-  /// What may be done with the rows, and how the statement runs.
+  /// What may be done with the rows, and how the statement runs. Rows are read with `appendOnly` too: who only adds
+  /// filters for the new key, else the whole table is read.
   enum OpenOptions : DWORD {
     none = 0,
     appendOnly = 0x0001,

@@ -1,6 +1,7 @@
 /// The date-time of the database interface.
 ///
-/// Part of the platform layer. Where the ODBC headers are in use theirs serves: include <sql.h> before this header.
+/// Part of the platform layer. Where the ODBC headers are in use theirs serves: include <sql.h> before this header
+/// (system/types.h tells how).
 #pragma once
 
 #ifndef __SQLTYPES_H

@@ -5,7 +5,8 @@
 /// HRESULT, so that `hr < 0`, `FAILED(hr)` and comparisons with the constants below hold.
 ///
 /// Differs: there is no `WCHAR`; wide text is UTF-16 in `char16_t` (`OLECHAR`), and wide literals are written `u"..."`.
-/// The names agree with those of <sqltypes.h>; a source that includes <sql.h> includes it before this header.
+/// The names agree with those of <sqltypes.h> but for ULONG, which has 64 bits there. A source that includes <sql.h>
+/// does so before every header of ours, with `#define ULONG odbc_ulong` in front of it and `#undef ULONG` behind.
 #pragma once
 
 #include <cstdint>
