@@ -63,7 +63,9 @@ class PrivateMariaDb::Keeper {
 
   void send(const std::string& command) {
     const std::string line = command + "\n";
-    if (::write(commands_, line.data(), line.size()) != static_cast<ssize_t>(line.size())) {
+    // Asked first: to write to one that has ended would end this process too.
+    if (process_ > 0 && ::waitpid(process_, nullptr, WNOHANG) == process_) process_ = -1;
+    if (process_ < 0 || ::write(commands_, line.data(), line.size()) != static_cast<ssize_t>(line.size())) {
       throw std::runtime_error("the private server's keeper is gone");
     }
   }

@@ -59,6 +59,20 @@ TEST(PrivateMariaDb, a_killed_server_comes_back_with_its_data_on_the_same_socket
   EXPECT_EQ(RawOdbc(database.odbc_connect_text()).value("SELECT SUM(a) FROM t"), "7");
 }
 
+TEST(PrivateMariaDb, that_does_not_come_back_says_so_and_so_does_every_later_call) {
+  PrivateMariaDb server;
+  server.kill_hard();
+  std::filesystem::remove_all(std::filesystem::path(server.socket()).parent_path() / "data");
+  try {
+    server.restart();
+    FAIL() << "a server without data";
+  } catch (const std::runtime_error& failure) {
+    EXPECT_THAT(failure.what(), testing::HasSubstr("the server did not start"));
+  }
+  EXPECT_THROW(server.kill_hard(), std::runtime_error);
+  EXPECT_THROW(server.restart(), std::runtime_error);
+}
+
 TEST(PrivateMariaDb, its_folder_is_gone_with_the_object) {
   std::string socket;
   {
