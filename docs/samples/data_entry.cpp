@@ -9,6 +9,7 @@
 #include "spcbase/platform/automation/bstr_t.h"
 #include "spcbase/platform/automation/com_error.h"
 #include "spcbase/platform/automation/error_info.h"
+#include "spcbase/platform/automation/ole_safe_array.h"
 #include "spcbase/platform/automation/safe_array.h"
 #include "spcbase/platform/automation/variant_t.h"
 #include "spcbase/testkit/plant.h"
@@ -32,16 +33,17 @@ int make_plain_profile(CDatabaseEx& db) {
   return builder.add_profile("Pins", "", {plant::characteristic(length)});
 }
 
-void put(SAFEARRAY* grid, LONG column, LONG row, const _variant_t& value) {
+void put(COleSafeArray& grid, LONG column, LONG row, const _variant_t& value) {
   const LONG place[] = {column, row};
-  SafeArrayPutElement(grid, place, &value);
+  _com_util::CheckError(SafeArrayPutElement(grid.parray, place, &value));
 }
 
 // Columns: the width; failures and size of the total; the batch. Row r holds piece r + 1; what belongs to the whole
 // sample stands in the first row. Every other cell stays empty.
-SAFEARRAY* make_grid() {
-  SAFEARRAYBOUND bounds[] = {{4, 0}, {2, 0}};
-  SAFEARRAY* const grid = SafeArrayCreate(VT_VARIANT, 2, bounds);
+COleSafeArray make_grid() {
+  const DWORD columns_and_rows[] = {4, 2};
+  COleSafeArray grid;  // ends the array itself
+  grid.Create(VT_VARIANT, 2, columns_and_rows);
   put(grid, 0, 0, 74.03);
   put(grid, 0, 1, 74.002);
   put(grid, 1, 0, 1L);
@@ -64,12 +66,11 @@ void print_grid(SAFEARRAY* grid) {
 
 // Whole or not at all: data entry itself opens no transaction.
 long save(const SPCLib::IQsmSPCPtr& engine, CDatabaseEx& db, oldde::DEHelper& helper, int profile) {
-  SAFEARRAY* grid = make_grid();
+  COleSafeArray grid = make_grid();
   long sample = 0;  // 0 makes a new one
   AutoODBCTransaction transaction(db, true);
-  helper.set_data(engine, db, &sample, profile, 0, 0, 0, "anna", &grid, nullptr);
+  helper.set_data(engine, db, &sample, profile, 0, 0, 0, "anna", &grid.parray, nullptr);
   transaction.commit();
-  SafeArrayDestroy(grid);
   return sample;
 }
 

@@ -7,6 +7,8 @@
 #include "spcbase/dataentry/sample.h"
 #include "spcbase/foundation/connection.h"
 #include "spcbase/foundation/outcome.h"
+#include "spcbase/platform/automation/com_error.h"
+#include "spcbase/platform/automation/ole_safe_array.h"
 #include "spcbase/platform/automation/safe_array.h"
 #include "spcbase/platform/automation/variant_t.h"
 #include "spcbase/testkit/reference_engine.h"
@@ -14,13 +16,14 @@
 namespace {
 
 // The first dimension is the column, the second the row; row r holds piece r + 1.
-SAFEARRAY* make_grid() {
-  SAFEARRAYBOUND bounds[2] = {{1, 0}, {2, 0}};
-  SAFEARRAY* grid = SafeArrayCreate(VT_VARIANT, 2, bounds);
+COleSafeArray make_grid() {
+  const DWORD columns_and_rows[] = {1, 2};
+  COleSafeArray grid;  // ends the array itself
+  grid.Create(VT_VARIANT, 2, columns_and_rows);
   for (LONG row = 0; row < 2; ++row) {
     const LONG place[2] = {0, row};
     const _variant_t value(74.03 + row);
-    SafeArrayPutElement(grid, place, &value);
+    _com_util::CheckError(SafeArrayPutElement(grid.parray, place, &value));
   }
   return grid;
 }
@@ -31,19 +34,18 @@ void save_and_read(const char* connect, int profile) {
   const SPCLib::IQsmSPCPtr engine = reference_engine::make(db);
   oldde::DEHelper helper;
 
-  SAFEARRAY* grid = make_grid();
+  COleSafeArray grid = make_grid();
   long sample = 0;  // 0 makes a new one
   double date = 0;
   AutoODBCTransaction transaction(db, true);
-  helper.set_data(engine, db, &sample, profile, 0, 0, 0, "anna", &grid, &date);
+  helper.set_data(engine, db, &sample, profile, 0, 0, 0, "anna", &grid.parray, &date);
   transaction.commit();
-  SafeArrayDestroy(grid);
 
-  grid = helper.get_data(engine, db, static_cast<int>(sample), profile, 0, 0, 0, &date);
+  SAFEARRAY* const read = helper.get_data(engine, db, static_cast<int>(sample), profile, 0, 0, 0, &date);
   const LONG second_piece[2] = {0, 1};
   _variant_t value;
-  SafeArrayGetElement(grid, second_piece, value.GetAddress());
-  SafeArrayDestroy(grid);
+  SafeArrayGetElement(read, second_piece, value.GetAddress());
+  SafeArrayDestroy(read);
   std::printf("sample %ld, second piece %.2f\n", sample, static_cast<double>(value));
 }
 
