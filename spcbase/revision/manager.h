@@ -91,8 +91,8 @@ class RevisionManager {
   /// version that is approved from birth, while the revision itself stays as it was for good. The number is compared
   /// with the latest that the caches know. Of the reason the first 4000 bytes are stored; `type` 0 is stored as null.
   /// Returns true and the number of the revision that is approved now; false and the given number when it has gone.
-  /// Fails:  RevisionException, nothing changed, with reason 1 when another revision is the latest, 2 when it is
-  ///         approved already, 3 when it has no payload; with reason 4 when the copy's row cannot be read back;
+  /// Fails:  RevisionException, nothing changed, with reason 1 when another revision is the latest, or none, 2 when it
+  ///         is approved already, 3 when it has no payload; with reason 4 when the copy's row cannot be read back;
   ///         CDBException*, for instance when someone else added a revision first; `DBException` when the connection is
   ///         not open. A copy whose payload failed stays, approved and broken, unless the caller's transaction takes it
   ///         away.
