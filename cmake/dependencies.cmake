@@ -19,7 +19,9 @@ add_library(odbc::odbc UNKNOWN IMPORTED)
 set_target_properties(odbc::odbc PROPERTIES
   IMPORTED_LOCATION ${ODBC_LIBRARY} INTERFACE_INCLUDE_DIRECTORIES ${ODBC_INCLUDE_DIR})
 
-find_package(CLI11 REQUIRED)
+if(SPCBASE_TOOLS)
+  find_package(CLI11 REQUIRED)
+endif()
 if(SPCBASE_TESTS)
   find_package(GTest REQUIRED)
 endif()
