@@ -26,7 +26,7 @@
 #include "spcbase/testkit/scripted_session.h"
 #include "tests/tools/dump.h"
 #include "tests/tools/json_check.h"
-#include "tests/tools/program.h"
+#include "tests/tools/on_demo.h"
 #include "tools/spc/command_table.h"
 #include "tools/spc/dry_run.h"
 #include "tools/spc/link.h"
@@ -91,67 +91,15 @@ std::string timeless(std::string answer) {
 
 std::string before_told(const std::string& answer) { return answer.substr(0, answer.find(told)); }
 
-/// A database that the demo has filled, and files.
-class DryRuns : public testing::TestWithParam<ServerKind> {
+class DryRuns : public command_test::OnDemo {
  protected:
-  void SetUp() override {
-    ASSERT_EQ(run({"demo"}).status, 0);
-    std::ofstream rings(file("rings.csv"));
-    rings << "sample,piece,Diameter\n";
-    for (const char* sample : {"1", "2"})
-      for (int piece = 1; piece <= 5; ++piece)
-        rings << sample << ',' << piece << ",74.0" << piece << '\n';
-    rings.close();
-    ASSERT_EQ(run({"source", "add", "Outside", "--connection-string", outside_}).status, 0);
-    ASSERT_EQ(run({"source", "export", "Outside", file("outside.xml")}).status, 0);
-    database_.execute("UPDATE CSMNRN SET MAXNO = 77");
-  }
-  std::string file(const char* name) { return folder_.file(name); }
-  std::vector<std::string> on_database(std::vector<std::string> arguments) {
-    arguments.insert(arguments.begin(), {"--connect", database_.connect_text()});
-    return arguments;
-  }
-  Answer run(std::vector<std::string> arguments) { return command_test::run(on_database(std::move(arguments))); }
   Answer dry(std::vector<std::string> arguments) {
     arguments.emplace_back("--dry-run");
     return run(std::move(arguments));
   }
-  Dump dump() { return dump_of(GetParam(), database_.connect_text()); }
-
-  /// What stands behind the command's own words on a line that does something.
-  std::vector<std::string> line_for(const std::string& path) {
-    const std::map<std::string, std::vector<std::string>> lines = {
-        {"sample import",
-         {file("rings.csv"), "--profile", "Piston rings", "--set", "Phase=production", "--set", "Taken at=2024-03-05",
-          "--set", "Gauge=bore gauge A"}},
-        {"numbers repair", {}},
-        {"payload put", {"profile", "1", file("rings.csv")}},
-        {"payload delete", {"profile", "1"}},
-        {"rev add", {"--type", "3", "--id", "1", "--file", file("rings.csv")}},
-        {"rev approve", {"--type", "3", "--id", "1", "--revision", "6", "--level", "2", "--major"}},
-        {"rev rebuild", {"--yes"}},
-        {"source add", {"Itself", "--connection-string", "DSN=x;UID=y", "--no-password"}},
-        {"source edit", {"Itself", "--description", "changed"}},
-        {"source test", {"Outside", "--save"}},
-        {"source import", {file("outside.xml"), "--name", "Again"}},
-        {"source rewrite", {}},
-        {"source remove", {"Itself"}},
-    };
-    auto words = spc::words_of(path, " ");
-    const auto found = lines.find(path);
-    if (found == lines.end()) return {};
-    words.insert(words.end(), found->second.begin(), found->second.end());
-    return words;
-  }
   void compare_with_real_run(const std::string& path);
-
-  test_support::ScratchFolder folder_;
-  command_test::EmptyDatabase database_{GetParam()};
-  command_test::EmptyDatabase outside_database_{ServerKind::sqlite};
-  std::string outside_ = [&] {
-    outside_database_.execute("CREATE TABLE T (A INTEGER)");
-    return outside_database_.connect_text();
-  }();
+  /// The same for a program; what runs it holds the answer against the schema.
+  void answers_in_json(std::vector<std::string> line, const Answer& for_people);
 };
 
 INSTANTIATE_TEST_SUITE_P(Servers, DryRuns, test_support::main_servers(), test_support::server_name);
@@ -171,6 +119,20 @@ void expect_fitting(const Dump& before, const Dump& after, const ByTable& counts
   }
 }
 
+void DryRuns::answers_in_json(std::vector<std::string> line, const Answer& for_people) {
+  line.emplace_back("--json");
+  const Answer tried = dry(line);
+  EXPECT_EQ(tried.status, for_people.status) << tried;
+  const auto answer = json_check::parse(tried.out);
+  EXPECT_TRUE(answer["rolled_back"].truth) << tried;
+  ByTable tables;
+  for (const auto& touched : answer["tables"].items)
+    tables[touched["table"].text] = {static_cast<long>(touched["inserted"].number),
+                                     static_cast<long>(touched["updated"].number),
+                                     static_cast<long>(touched["deleted"].number)};
+  EXPECT_EQ(tables, counted(for_people.out)) << tried;
+}
+
 void DryRuns::compare_with_real_run(const std::string& path) {
   auto line = line_for(path);
   ASSERT_FALSE(line.empty()) << path << " wants a case here";
@@ -178,6 +140,8 @@ void DryRuns::compare_with_real_run(const std::string& path) {
   const Answer tried = dry(line);
   EXPECT_EQ(tried.status, 0) << path << '\n' << tried;
   EXPECT_EQ(tried.err, "") << path;
+  EXPECT_EQ(dump(), before) << path;
+  answers_in_json(line, tried);
   EXPECT_EQ(dump(), before) << path;
   line.emplace_back("--trace");
   const Answer real = run(line);

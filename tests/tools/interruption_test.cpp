@@ -4,7 +4,7 @@
 //   In a rewrite of data sources: those that it says are saved
 //   In db create and in the demo: nothing stays, no file either
 //   In a reset, which no server undoes: it goes on to its end
-//   A second signal ends the command at once; a signal that is ignored stays ignored
+//   Waiting for a lock it says after a second that it was heard; a second signal ends the command at once
 //   --progress: lines without a terminal, objects, nothing
 #include <gtest/gtest.h>
 
@@ -12,6 +12,8 @@
 #include <csignal>
 #include <filesystem>
 #include <fstream>
+#include <memory>
+#include <thread>
 
 #include "spcbase/testkit/plant.h"
 #include "tests/tools/json_check.h"
@@ -130,15 +132,51 @@ TEST_P(Interrupted, an_audit_says_that_it_is_not_finished) {
   EXPECT_EQ(answer.out, "");
 }
 
-TEST_P(Interrupted, a_second_signal_ends_the_command_at_once) {
-  auto arguments = import_of(1);
-  if (kind() == ServerKind::sqlite) arguments[1] += ";Timeout=60000";
-  auto other = second_connection();
-  other->BeginTrans();
-  other->ExecuteSQL("UPDATE CSSPRN SET MAXNO = MAXNO");
+class InterruptedWaiting : public Interrupted {
+ protected:
+  void SetUp() override {
+    Interrupted::SetUp();
+    // Without a trace: nothing that it writes holds it up before the lock.
+    arguments_ = import_of(1);
+    std::erase(arguments_, "--trace");
+    if (kind() == ServerKind::sqlite) arguments_[1] += ";Timeout=60000";
+    other_ = second_connection();
+    other_->BeginTrans();
+    other_->ExecuteSQL("UPDATE CSSPRN SET MAXNO = MAXNO");
+  }
+  /// Whether it is about to wait; leaves it the time to get there.
+  static bool is_waiting(const std::string& line) {
+    if (line.find(" 0 of 1") == std::string::npos) return false;
+    std::this_thread::sleep_for(std::chrono::milliseconds(500));
+    return true;
+  }
+
+  std::vector<std::string> arguments_;
+  std::unique_ptr<CDatabaseEx> other_;
+};
+
+INSTANTIATE_TEST_SUITE_P(Servers, InterruptedWaiting, test_support::main_servers(), test_support::server_name);
+
+TEST_P(InterruptedWaiting, for_a_lock_it_says_that_it_was_heard_and_stops_behind_the_lock) {
+  bool told = false;
+  const auto is_time = [&](const std::string& line) {
+    if (line == "Stopping at the next safe point; a second signal stops at once.") {
+      told = true;
+      other_->Rollback();
+    }
+    return is_waiting(line);
+  };
+  const Answer answer = run_and_signal(arguments_, is_time, {SIGINT});
+  EXPECT_TRUE(told) << answer;
+  EXPECT_EQ(answer.status, 130) << answer;
+  EXPECT_TRUE(answer.complains("spc: interrupted: ")) << answer;
+  EXPECT_EQ(count("CSSAMP"), "0");
+}
+
+TEST_P(InterruptedWaiting, a_second_signal_ends_the_command_at_once) {
   const auto begin = std::chrono::steady_clock::now();
-  const Answer answer = run_and_signal(arguments, " 0 of 1", {SIGINT, SIGINT});
-  other->Rollback();
+  const Answer answer = run_and_signal(arguments_, is_waiting, {SIGINT, SIGINT});
+  other_->Rollback();
   EXPECT_EQ(answer.status, -1) << "by the signal " << answer;
   EXPECT_LT(std::chrono::steady_clock::now() - begin, std::chrono::seconds(20));
   EXPECT_EQ(count("CSSAMP"), "0");
@@ -155,7 +193,11 @@ TEST_P(InterruptedAnew, making_the_schema_leaves_an_empty_database) {
   const Answer answer = run_and_signal({"--connect", database_.connect_text(), "--trace", "db", "create"},
                                        "CREATE TABLE CSSAMP", {SIGINT});
   EXPECT_EQ(answer.status, 130) << answer;
-  EXPECT_TRUE(answer.err.ends_with("spc: interrupted: nothing was changed\n")) << answer;
+  const std::string place = database_.connect_text();
+  const std::string stands = GetParam() == ServerKind::sqlite
+                                 ? place.substr(place.find(':') + 1) + " was made, and is empty."
+                                 : std::string("nothing was changed");
+  EXPECT_TRUE(answer.err.ends_with("spc: interrupted: " + stands + "\n")) << answer;
   EXPECT_EQ(command_test::run({"--connect", database_.connect_text(), "db", "create"}).status, 0)
       << "nothing stood in the way";
 }

@@ -95,8 +95,12 @@ void hold_against_schema(const std::vector<std::string>& arguments, const Answer
   }
 }
 
+/// Of both kinds a pipe is as small as can be: a command that says much cannot run ahead of whoever waits for a line to
+/// signal it. In the second it waits for its reader at each thing that it writes.
+enum class Pipe : unsigned char { bytes, pieces };
+
 Answer run_with(std::vector<std::string> variables, const std::vector<std::string>& arguments,
-                const OnLine& on_error_line, const std::function<void()>& prepare = {}) {
+                const OnLine& on_error_line, const std::function<void()>& prepare = {}, Pipe kind = Pipe::bytes) {
   const test_support::ScratchFolder folder;
   std::vector<std::string> texts = {SPC_PROGRAM};
   texts.insert(texts.end(), arguments.begin(), arguments.end());
@@ -104,8 +108,8 @@ Answer run_with(std::vector<std::string> variables, const std::vector<std::strin
   const auto envp = pointers_to(variables);
   const int out = ::open(folder.file("out").c_str(), O_WRONLY | O_CREAT | O_CLOEXEC, 0600);
   int ends[2] = {-1, -1};
-  if (out < 0 || ::pipe2(ends, O_CLOEXEC) != 0) throw std::runtime_error("no way to read what the command says");
-  // As small as can be: a command that says much cannot run ahead of whoever waits for a line to signal it.
+  if (out < 0 || ::pipe2(ends, kind == Pipe::pieces ? O_CLOEXEC | O_DIRECT : O_CLOEXEC) != 0)
+    throw std::runtime_error("no way to read what the command says");
   ::fcntl(ends[1], F_SETPIPE_SZ, 4096);
   const pid_t process = ::fork();
   if (process == 0) {
@@ -167,11 +171,11 @@ Answer run_with_line(const std::vector<std::string>& arguments, const std::strin
   });
 }
 
-Answer run_and_signal(const std::vector<std::string>& arguments, const std::string& mark,
+Answer run_and_signal(const std::vector<std::string>& arguments, const std::function<bool(const std::string&)>& is_time,
                       const std::vector<int>& numbers) {
   bool sent = false;
   const auto send = [&](const std::string& line, pid_t process) {
-    if (sent || line.find(mark) == std::string::npos) return;
+    if (!is_time(line) || sent) return;
     sent = true;
     for (const int number : numbers) {
       if (numbers.size() > 1) std::this_thread::sleep_for(std::chrono::milliseconds(300));
@@ -179,12 +183,19 @@ Answer run_and_signal(const std::vector<std::string>& arguments, const std::stri
     }
   };
   // Whoever starts the tests behind a shell's back may have them ignore Ctrl-C.
-  const auto answer = run_with(environment(), arguments, send, [] {
+  const auto prepare = [] {
     ::signal(SIGINT, SIG_DFL);
     ::signal(SIGTERM, SIG_DFL);
-  });
-  EXPECT_TRUE(sent) << "no line holds " << mark << '\n' << answer;
+  };
+  const auto answer = run_with(environment(), arguments, send, prepare, Pipe::pieces);
+  EXPECT_TRUE(sent) << "the time never came\n" << answer;
   return answer;
+}
+
+Answer run_and_signal(const std::vector<std::string>& arguments, const std::string& mark,
+                      const std::vector<int>& numbers) {
+  return run_and_signal(
+      arguments, [&](const std::string& line) { return line.find(mark) != std::string::npos; }, numbers);
 }
 
 EmptyDatabase::EmptyDatabase(test_support::ServerKind kind) {

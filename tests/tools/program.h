@@ -49,6 +49,9 @@ Answer run_with_line(const std::vector<std::string>& arguments, const std::strin
 /// As `run`; when a line of standard error holds `mark`, the command is sent this signal, or several after pauses.
 Answer run_and_signal(const std::vector<std::string>& arguments, const std::string& mark,
                       const std::vector<int>& numbers);
+/// The same at the first line for which `is_time` is true. It sees every line.
+Answer run_and_signal(const std::vector<std::string>& arguments, const std::function<bool(const std::string&)>& is_time,
+                      const std::vector<int>& numbers);
 
 /// A test that runs the command on a database with the schema.
 class OnDatabase : public test_support::DatabaseTest {

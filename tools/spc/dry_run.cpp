@@ -82,14 +82,18 @@ bool can_be_made(const fs::path& file) {
 
 }  // namespace
 
-std::string connect_text_for_dry_run(const std::string& connect_text) {
-  if (!lower(connect_text).starts_with(scheme)) return connect_text;
+std::optional<std::string> file_to_be_made(const std::string& connect_text) {
+  if (!lower(connect_text).starts_with(scheme)) return std::nullopt;
   auto [file, options] = parted(std::string_view(connect_text).substr(scheme.size()));
   std::ranges::replace(file, '\\', '/');
   std::error_code ignored;
-  const bool would_be_made = says_create(options) && !fs::exists(file, ignored);
+  if (!says_create(options) || fs::exists(file, ignored) || !can_be_made(file)) return std::nullopt;
+  return file;
+}
+
+std::string connect_text_for_dry_run(const std::string& connect_text) {
   // Where it cannot be made, opening it fails as in the real run.
-  return would_be_made && can_be_made(file) ? "sqlite::memory:" : connect_text;
+  return file_to_be_made(connect_text) ? "sqlite::memory:" : connect_text;
 }
 
 void DryRun::begin(CDatabaseEx& db, std::optional<schema::Server> server) {

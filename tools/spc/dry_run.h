@@ -21,6 +21,9 @@ namespace spc {
 /// so it passes through `doing` as a Problem does.
 struct NotToBeRun {};
 
+/// The SQLite file that opening this connect text would make; nothing when there is one, or none can be made.
+std::optional<std::string> file_to_be_made(const std::string& connect_text);
+
 /// The connect text for a dry run: a database in memory in the place of an SQLite file that would be made.
 std::string connect_text_for_dry_run(const std::string& connect_text);
 

@@ -16,7 +16,7 @@ Problem interruption(std::string what_stands) {
 
 bool is_interruption(const Problem& problem) {
   return interrupted() && (problem.status == exit_interrupted || problem.status == exit_terminated ||
-                           problem.why.find("SQLSTATE HY008") != std::string::npos);
+                           problem.why.find("HY008") != std::string::npos);
 }
 
 void stop_if_interrupted(const std::string& what_stands) {

@@ -31,7 +31,7 @@ void stop_if_interrupted(const std::string& what_stands);
 void stop_when_interrupted(CDatabase& db);
 
 /// The statements of a connection pass while it lives, whatever was noted: for work that must not stop in the middle,
-/// and for cleaning up.
+/// for cleaning up, and for telling of what stands by then.
 class Undisturbed {
  public:
   explicit Undisturbed(CDatabase& db);

@@ -1,6 +1,7 @@
 #include <filesystem>
 #include <optional>
 
+#include "tools/spc/dry_run.h"
 #include "tools/spc/json.h"
 #include "tools/spc/problem.h"
 #include "tools/spc/schema_work.h"
@@ -100,10 +101,8 @@ void write_check(std::ostream& out, const CheckResult& result) {
   json.end_object();
 }
 
-}  // namespace
-
-int create_database(const Place& place, const Terminal& terminal) {
-  Link link(connect_text_of(place, true, terminal.dry_run != nullptr), terminal);
+int create_in(const std::string& connect_text, const Terminal& terminal) {
+  Link link(connect_text, terminal);
   const std::size_t objects = create_schema(link);
   if (terminal.json) {
     JsonWriter json(terminal.out);
@@ -115,6 +114,22 @@ int create_database(const Place& place, const Terminal& terminal) {
     terminal.out << "Created " << objects << " tables and views in " << link.shown_connect_text() << '\n';
   }
   return exit_done;
+}
+
+}  // namespace
+
+int create_database(const Place& place, const Terminal& terminal) {
+  const bool dry = terminal.dry_run != nullptr;
+  const std::string connect_text = connect_text_of(place, true, dry);
+  const auto new_file = dry ? std::nullopt : file_to_be_made(connect_text);
+  try {
+    return create_in(connect_text, terminal);
+  } catch (Problem& problem) {
+    std::error_code ignored;
+    // It is left: somebody else may have begun with it meanwhile.
+    if (new_file && std::filesystem::exists(*new_file, ignored)) problem.note = *new_file + " was made, and is empty.";
+    throw;
+  }
 }
 
 int check_database(const Place& place, const Terminal& terminal) {

@@ -1,5 +1,6 @@
 #include <algorithm>
 
+#include "tools/spc/interruption.h"
 #include "tools/spc/json.h"
 #include "tools/spc/numbers.h"
 #include "tools/spc/problem.h"
@@ -119,6 +120,7 @@ int repair_numbers(const Place& place, const std::string& table, const Terminal&
   Repair repair;
   repair.before = inspect_numbers(link, numbers);
   repair_numbers(link, numbers);
+  const Undisturbed repaired(link.db());
   repair.after = inspect_numbers(link, numbers);
   terminal.json ? write_repair(terminal.out, repair) : print_repair(terminal.out, repair);
   const std::string faulty = faulty_tables(repair.after);

@@ -5,6 +5,7 @@
 #include "spcbase/foundation/failure.h"
 #include "spcbase/revision/manager.h"
 #include "tools/spc/bytes.h"
+#include "tools/spc/interruption.h"
 #include "tools/spc/json.h"
 #include "tools/spc/problem.h"
 #include "tools/spc/revisions.h"
@@ -142,6 +143,7 @@ int add_revision(const Place& place, const RevisionRequest& request, const Termi
   CLongBinary payload;
   doing(what, [&] { set_blob_data(payload, CString(bytes)); });
   const int revision = add(link, request, payload, what);
+  const Undisturbed saved(link.db());
   tell(terminal, request, *read_record(link, request, revision, what), "Saved");
   return exit_done;
 }
@@ -196,6 +198,7 @@ int approve_revision(const Place& place, const RevisionRequest& request, const T
       "cannot approve revision " + std::to_string(request.revision) + " of " + described(object_of(request));
   Link link(connect_text_of(place, false), terminal);
   const int approved = approve(link, request, what);
+  const Undisturbed saved(link.db());
   tell(terminal, request, *read_record(link, request, approved, what), "Approved");
   return exit_done;
 }

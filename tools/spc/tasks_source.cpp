@@ -1,5 +1,6 @@
 #include "spcbase/foundation/failure.h"
 #include "tools/spc/connection_text.h"
+#include "tools/spc/interruption.h"
 #include "tools/spc/password_input.h"
 #include "tools/spc/problem.h"
 #include "tools/spc/source_definition.h"
@@ -92,6 +93,7 @@ int add_source(const Place& place, const SourceRequest& request, const Terminal&
     base_of(definition).connection_string = connection->c_str();
   }
   store_new(link, definition, request.max_size, what);
+  const Undisturbed saved(link.db());
   tell(terminal, link, definition, "Added");
   return exit_done;
 }
@@ -154,6 +156,7 @@ int edit_source(const Place& place, const SourceRequest& request, const Terminal
   if (const auto connection = new_connection(request, definition, terminal, what))
     base_of(definition).connection_string = connection->c_str();
   store(link, definition, request.max_size, what);
+  const Undisturbed saved(link.db());
   tell(terminal, link, definition, row.removed ? "Changed the removed" : "Changed");
   return exit_done;
 }

@@ -6,6 +6,7 @@
 #include "spcbase/foundation/failure.h"
 #include "spcbase/utility/xml.h"
 #include "tools/spc/bytes.h"
+#include "tools/spc/interruption.h"
 #include "tools/spc/problem.h"
 #include "tools/spc/source_definition.h"
 #include "tools/spc/source_request.h"
@@ -165,6 +166,7 @@ int import_source(const Place& place, const SourceRequest& request, const Termin
   Link link(connect_text_of(place, false), terminal);
   require_free_name(read_source_rows(link, 0, what), definition, what);
   store_new(link, definition, request.max_size, what);
+  const Undisturbed saved(link.db());
   if (terminal.json) {
     const auto rows = read_source_rows(link, 0, what);
     JsonWriter json(terminal.out);
