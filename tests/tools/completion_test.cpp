@@ -3,7 +3,8 @@
 //   Files: folders with a slash, hidden ones when asked for, home, connect texts
 //   From the database, on both servers: names and ids of profiles, stations, users, data sources, samples, payloads,
 //     revisions, settings, paths; --connect and --dsn honoured; nothing and no file made when there is no database;
-//     nothing after 2 seconds when the server does not answer
+//     nothing after 2 seconds when the server does not answer; for every option of the table that offers values;
+//     behind a thousand others
 //   Lines of bash: quotes, backslashes, colons and equals signs
 //   bash, zsh and fish themselves, with the scripts as they are installed
 #include <gtest/gtest.h>
@@ -147,6 +148,41 @@ TEST_P(FromDatabase, revisions_of_the_object_before_are_offered) {
     revision.erase(revision.find('\t'));
   EXPECT_EQ(revisions, (Texts{"5", "4", "3", "2", "1"}));
   EXPECT_EQ(offered({"rev", "show", "--type", "77", "--id", ""}), Texts());
+}
+
+TEST_P(FromDatabase, there_is_something_for_every_option_that_offers_values) {
+  std::size_t offering = 0;
+  for (const spc::Command& command : spc::commands()) {
+    auto options = spc::options_of(command);
+    options.insert(options.end(), spc::global_options().begin(), spc::global_options().end());
+    Texts line = {"--connect", database_.connect_text()};
+    for (const auto& word : spc::words_of(command.path, " "))
+      line.push_back(word);
+    for (const spc::Option& option : options) {
+      Texts words = line;
+      if (!option.is_argument()) words.emplace_back(option.name);
+      words.emplace_back(option.offers == spc::Offers::files ? "/" : "");
+      if (!command.is_group() && option.offers != spc::Offers::nothing) {
+        EXPECT_NE(texts_for(words), Texts()) << command.path << ' ' << option.name;
+        ++offering;
+      }
+      if (option.is_argument()) line.emplace_back(option.words.empty() ? "1" : option.words.front());
+    }
+  }
+  EXPECT_GT(offering, 100U);
+}
+
+TEST_P(FromDatabase, what_was_typed_is_found_behind_a_thousand_others) {
+  database_.execute("DELETE FROM CSPROF");
+  const std::string digits =
+      "(SELECT 0 d UNION ALL SELECT 1 UNION ALL SELECT 2 UNION ALL SELECT 3 UNION ALL SELECT 4 UNION ALL SELECT 5 "
+      "UNION ALL SELECT 6 UNION ALL SELECT 7 UNION ALL SELECT 8 UNION ALL SELECT 9)";
+  database_.execute("INSERT INTO CSPROF (PROFID, NAME) SELECT 1 + a.d + 10 * b.d + 100 * c.d + 1000 * e.d, 'A' FROM " +
+                    digits + " a, " + digits + " b, " + digits + " c, " + digits + " e WHERE e.d < 2");
+  database_.execute("UPDATE CSPROF SET NAME = 'Zinc' WHERE PROFID = 1999");
+  EXPECT_EQ(offered({"sample", "list", "--profile", "Z"}), Texts{"Zinc\t1999"});
+  EXPECT_EQ(offered({"sample", "list", "--profile", "1999"}), Texts{"1999\tZinc"});
+  EXPECT_EQ(offered({"payload", "get", "profile", ""}).size(), 1000U) << "nobody chooses among more";
 }
 
 TEST(CompletionWithoutDatabase, offers_nothing_and_makes_no_file) {

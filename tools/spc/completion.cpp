@@ -166,7 +166,7 @@ std::vector<Candidate> values_of(const Option& option, const std::string& typed,
     case Offers::number_tables:
       return table_names();
     default:
-      return database_values(option.offers, said);
+      return database_values(option.offers, typed, said);
   }
 }
 

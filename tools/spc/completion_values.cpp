@@ -13,8 +13,10 @@
 namespace spc {
 namespace {
 
-/// How many rows are read at most: nobody chooses among more.
-constexpr std::size_t most_rows = 1000;
+/// Nobody chooses among more.
+constexpr std::size_t most_candidates = 1000;
+/// How many rows are looked at for what was typed: whoever waits at a prompt does not wait for millions.
+constexpr std::size_t most_rows = 100'000;
 
 /// Where candidates stand. The newest come first where that helps.
 struct Source {
@@ -46,24 +48,27 @@ class TwoColumns : public CRecordsetFix {
   const Source& source_;
 };
 
-std::vector<Candidate> read(Link& link, const Source& source) {
+std::vector<Candidate> read(Link& link, const std::string& typed, const Source& source) {
   TwoColumns rows(&link.db(), source);
   rows.m_strFilter = source.filter.c_str();
   rows.m_strSort = source.sort != nullptr ? source.sort : source.text;
   if (!rows.Open(CRecordset::forwardOnly, nullptr, CRecordset::readOnly)) throw_can_not_open_rs_exception();
   std::vector<Candidate> found;
-  for (; !rows.IsEOF() && found.size() < most_rows; rows.MoveNext()) {
+  for (std::size_t row = 0; !rows.IsEOF() && row < most_rows && found.size() < most_candidates;
+       rows.MoveNext(), ++row) {
     Candidate candidate{std::string(trimmed(rows.text.view())), on_one_line(trimmed(rows.about.view()))};
+    if (!candidate.text.starts_with(typed)) continue;
     if (found.empty() || found.back().text != candidate.text) found.push_back(std::move(candidate));
   }
   return found;
 }
 
 /// Names with their ids, then ids with their names: an option that takes both is completed with either.
-std::vector<Candidate> read_both(Link& link, const char* table, const char* id, const std::string& filter = {}) {
-  auto found = read(link, {table, "[NAME]", id, filter});
+std::vector<Candidate> read_both(Link& link, const std::string& typed, const char* table, const char* id,
+                                 const std::string& filter = {}) {
+  auto found = read(link, typed, {table, "[NAME]", id, filter});
   std::erase_if(found, [](const Candidate& candidate) { return candidate.text.empty(); });
-  const auto ids = read(link, {table, id, "[NAME]", filter});
+  const auto ids = read(link, typed, {table, id, "[NAME]", filter});
   found.insert(found.end(), ids.begin(), ids.end());
   return found;
 }
@@ -97,53 +102,56 @@ std::string in_path(const std::string& name) {
   return text;
 }
 
-/// The paths of everything that is not hidden, the upper levels first.
-std::vector<Candidate> read_paths(Link& link) {
+/// The paths of everything that is not hidden and begins so, the upper levels first.
+std::vector<Candidate> read_paths(Link& link, const std::string& typed) {
   const NodeTree tree(link, 0);
   std::vector<Candidate> found;
+  const auto offer = [&](const std::string& path, const std::string& about) {
+    if (path.starts_with(typed)) found.push_back({path, about});
+  };
   std::vector<std::pair<int, std::string>> open = {{0, "/"}};
-  for (std::size_t i = 0; i < open.size() && found.size() < most_rows; ++i) {
+  for (std::size_t i = 0; i < open.size() && found.size() < most_candidates; ++i) {
     const auto [folder, path] = open[i];
     for (const Folder& inside : tree.folders_in(folder)) {
       if (inside.hidden) continue;
-      found.push_back({path + in_path(inside.name), "folder " + std::to_string(inside.id)});
-      open.emplace_back(inside.id, found.back().text + "/");
+      offer(path + in_path(inside.name), "folder " + std::to_string(inside.id));
+      open.emplace_back(inside.id, path + in_path(inside.name) + "/");
     }
     for (const Member& member : tree.members_of(folder))
-      found.push_back(
-          {path + in_path(member.name), std::string(word_of(member.kind)) + " " + std::to_string(member.id)});
+      offer(path + in_path(member.name), std::string(word_of(member.kind)) + " " + std::to_string(member.id));
   }
   return found;
 }
 
-std::vector<Candidate> read_values(Link& link, Offers offers, const Said& said) {
+std::vector<Candidate> read_values(Link& link, Offers offers, const std::string& typed, const Said& said) {
   switch (offers) {
     case Offers::profiles:
-      return read_both(link, "[CSPROFV]", "[PROFID]");
+      return read_both(link, typed, "[CSPROFV]", "[PROFID]");
     case Offers::stations:
-      return read_both(link, "[CSSTNV]", "[STNID]");
+      return read_both(link, typed, "[CSSTNV]", "[STNID]");
     case Offers::users:
-      return read_both(link, "[CSUSERV]", "[USERID]");
+      return read_both(link, typed, "[CSUSERV]", "[USERID]");
     case Offers::user_ids:
-      return read(link, {"[CSUSERV]", "[USERID]", "[NAME]"});
+      return read(link, typed, {"[CSUSERV]", "[USERID]", "[NAME]"});
     case Offers::data_sources:
-      return read_both(link, "[CSEXDB]", "[EXDBID]", "[VFLG] IS NULL");
+      return read_both(link, typed, "[CSEXDB]", "[EXDBID]", "[VFLG] IS NULL");
     case Offers::settings:
       return read_settings_keys(link);
     case Offers::samples:
-      return read(link, {"[CSSAMP]", "[SAMPID]", "[SAMPID]", "", "[SAMPID] DESC"});
+      return read(link, typed, {"[CSSAMP]", "[SAMPID]", "[SAMPID]", "", "[SAMPID] DESC"});
     case Offers::payload_ids:
-      return value_of(said, "KIND") == "profile" ? read(link, {"[CSPROFV]", "[PROFID]", "[NAME]"})
-                                                 : read(link, {"[CSMONV]", "[MONID]", "[NAME]"});
+      return value_of(said, "KIND") == "profile" ? read(link, typed, {"[CSPROFV]", "[PROFID]", "[NAME]"})
+                                                 : read(link, typed, {"[CSMONV]", "[MONID]", "[NAME]"});
     case Offers::revision_types:
-      return read(link, {"[CSOBJREV]", "[OBJTYPE]", "[OBJTYPE]"});
+      return read(link, typed, {"[CSOBJREV]", "[OBJTYPE]", "[OBJTYPE]"});
     case Offers::revision_ids:
-      return read(link, {"[CSOBJREV]", "[OBJID]", "[OBJID]", filter_of(said, {{"--type", "[OBJTYPE]"}})});
+      return read(link, typed, {"[CSOBJREV]", "[OBJID]", "[OBJID]", filter_of(said, {{"--type", "[OBJTYPE]"}})});
     case Offers::revisions:
-      return read(link, {"[CSOBJREV]", "[REVISION]", "[CUSER]",
-                         filter_of(said, {{"--type", "[OBJTYPE]"}, {"--id", "[OBJID]"}}), "[REVISION] DESC"});
+      return read(link, typed,
+                  {"[CSOBJREV]", "[REVISION]", "[CUSER]",
+                   filter_of(said, {{"--type", "[OBJTYPE]"}, {"--id", "[OBJID]"}}), "[REVISION] DESC"});
     case Offers::nodes:
-      return read_paths(link);
+      return read_paths(link, typed);
     default:
       return {};
   }
@@ -157,12 +165,12 @@ void drop_repeated(std::vector<Candidate>& candidates) {
 
 }  // namespace
 
-std::vector<Candidate> database_values(Offers offers, const Said& said) {
+std::vector<Candidate> database_values(Offers offers, const std::string& typed, const Said& said) {
   std::vector<Candidate> found;
   try {
     const auto outcome = guarded([&] {
       Link link(connect_text_of(said.place, false), nullptr);
-      found = read_values(link, offers, said);
+      found = read_values(link, offers, typed, said);
     });
     if (!outcome) return {};
   } catch (const Problem&) {

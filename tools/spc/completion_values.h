@@ -17,7 +17,7 @@ struct Said {
   std::map<std::string_view, std::string> values;  ///< of options and arguments by their names
 };
 
-/// All values of this kind that the database has. Whatever fails, there are none; no database is made.
-std::vector<Candidate> database_values(Offers offers, const Said& said);
+/// The values of this kind in the database that begin as typed. Whatever fails, there are none; no database is made.
+std::vector<Candidate> database_values(Offers offers, const std::string& typed, const Said& said);
 
 }  // namespace spc
