@@ -2,16 +2,19 @@
 //   The table: groups before their members, names of their own, one line of help without an end, examples for all
 //   Every command, argument and option stands in --help, in the manual page, in the answers to shells and in
 //     docs/commands.md, and is understood by the grammar; global options stand in all of them too
-//   docs/commands.md is what the table gives
-//   Examples are read as the command that they belong to; those on the demo's database and those without one run
+//   docs/commands.md is what the table gives; the guide, docs/command.md, speaks of every command and of no other
+//   option Bounds, words, requirements and exclusions of the table are held by the grammar Examples are read as the
+//   command that they belong to; those on the demo's database and those without one run
 #include <gtest/gtest.h>
 
 #include <algorithm>
 #include <cstdlib>
 #include <fstream>
+#include <functional>
 #include <iterator>
 #include <regex>
 #include <set>
+#include <sstream>
 
 #include "tests/tools/program.h"
 #include "tools/spc/command_table.h"
@@ -56,6 +59,15 @@ std::string read_page(const std::string& page) {
 }
 
 std::string joined(const std::string& text) { return std::regex_replace(text, std::regex(R"(\s+)"), " "); }
+
+/// The line that says what a command is for, what each example shows, and what else is told of it.
+void expect_all_paragraphs(const std::string& page, const Command& command) {
+  EXPECT_NE(page.find(std::string(command.help) + "."), std::string::npos) << command.path << '\n' << page;
+  for (const auto& paragraph : spc::paragraphs_of(command.more))
+    EXPECT_NE(page.find(paragraph), std::string::npos) << command.path << ": " << paragraph << '\n' << page;
+  for (const auto& example : command.examples)
+    EXPECT_NE(page.find(example.what), std::string::npos) << command.path << ": " << example.what << '\n' << page;
+}
 
 /// The part of docs/commands.md on one command.
 std::string section_of(const std::string& document, const Command& command) {
@@ -141,6 +153,7 @@ TEST(CommandTable, is_told_by_help_with_every_option) {
       EXPECT_NE(help.find("  spc " + std::string(example.line) + "\n"), std::string::npos) << example.line;
     for (const auto& status : spc::exit_statuses(*command))
       EXPECT_NE(joined(help).find(std::to_string(status.status) + " " + status.meaning), std::string::npos) << help;
+    expect_all_paragraphs(joined(help), *command);
   }
 }
 
@@ -171,11 +184,13 @@ TEST(CommandTable, is_told_by_the_manual_with_every_option) {
       EXPECT_NE(page.find(".B spc " + std::string(example.line)), std::string::npos) << page;
     for (const auto& status : spc::exit_statuses(*command))
       EXPECT_NE(page.find(".B " + std::to_string(status.status) + " " + status.meaning), std::string::npos) << page;
+    expect_all_paragraphs(page, *command);
   }
 }
 
 TEST(CommandTable, is_told_by_the_document_with_every_option) {
   const std::string document = spc::commands_document();
+  const std::string whole = read_page(document);
   for (const Command* command : tasks()) {
     const std::string section = read_page(section_of(document, *command));
     EXPECT_NE(section.find(spc::usage_of(command)), std::string::npos) << command->path << section;
@@ -185,14 +200,34 @@ TEST(CommandTable, is_told_by_the_document_with_every_option) {
           << section;
     for (const auto& example : command->examples)
       EXPECT_NE(section.find("spc " + std::string(example.line)), std::string::npos) << section;
+    const auto statuses = spc::exit_statuses(*command);
+    for (const auto& status : statuses) {
+      const bool own = !command->failed.empty() && status.status == spc::exit_failed;
+      const std::string text =
+          own ? "Exit status 1: " + status.meaning : "| " + std::to_string(status.status) + " | " + status.meaning;
+      EXPECT_NE((own ? section : whole).find(text), std::string::npos) << command->path << ' ' << text;
+    }
+    expect_all_paragraphs(section, *command);
   }
   for (const Option& option : spc::global_options())
-    EXPECT_NE(read_page(document).find("| `" + spc::heading_of(option) + "` |"), std::string::npos) << option.name;
+    EXPECT_NE(whole.find("| `" + spc::heading_of(option) + "` |"), std::string::npos) << option.name;
 }
 
 TEST(CommandTable, is_what_the_kept_document_tells) {
   EXPECT_EQ(content_of(std::string(SPC_TREE) + "/docs/commands.md"), spc::commands_document())
       << "./dev pages writes it anew";
+}
+
+TEST(CommandTable, has_what_the_guide_speaks_of) {
+  const std::string guide = content_of(std::string(SPC_TREE) + "/docs/command.md");
+  std::set<std::string, std::less<>> known;
+  for (const Command* command : tasks()) {
+    for (const Option& option : own_and_global(*command))
+      known.emplace(option.name);
+  }
+  const std::regex option("--[a-z]+(-[a-z]+)*");
+  for (auto at = std::sregex_iterator(guide.begin(), guide.end(), option); at != std::sregex_iterator(); ++at)
+    EXPECT_TRUE(known.contains(at->str())) << at->str();
 }
 
 TEST(CommandTable, is_offered_to_shells_with_every_option) {
@@ -212,24 +247,98 @@ TEST(CommandTable, is_offered_to_shells_with_every_option) {
   }
 }
 
+/// A value that an option takes, and never its default.
+std::string value_for(const Option& option) {
+  if (!option.words.empty()) return std::string(option.words.front());
+  if (option.problem != nullptr) return "2024-03-15";
+  return option.within ? std::to_string(option.within->least + 1) : "7";
+}
+
+/// The command with what it requires, and with this value of an option; none for a flag.
+std::vector<std::string> line_with(const Command& command, const Option& wanted, const std::string& value) {
+  auto words = spc::words_of(command.path, " ");
+  const auto add = [&](const Option& option, const std::string& said) {
+    if (!option.is_argument()) words.emplace_back(option.name);
+    if (!option.is_flag()) words.push_back(said);
+  };
+  for (const Option& option : spc::options_of(command))
+    if (option.required) add(option, option.name == wanted.name ? value : value_for(option));
+  if (!wanted.required) add(wanted, value);
+  return words;
+}
+
+/// What stands where an option's value goes.
+std::string text_at(const Option& option, spc::Request& request) {
+  return std::visit(
+      [](const auto* value) {
+        std::ostringstream text;
+        const auto add = [&](const auto& part) { text << part; };
+        if constexpr (requires { value->has_value(); }) {
+          if (*value) add(**value);
+        } else if constexpr (
+            requires { value->c_str(); } || !requires { value->begin(); }) {
+          add(*value);
+        } else {
+          for (const auto& part : *value)
+            add(part);
+        }
+        return text.str();
+      },
+      option.target(request));
+}
+
 TEST(CommandTable, is_understood_by_the_grammar_with_every_option) {
   for (const Command* command : tasks())
     for (const Option& option : own_and_global(*command)) {
-      if (option.is_argument() || option.target == nullptr) continue;
-      auto words = spc::words_of(command->path, " ");
-      words.emplace_back(option.name);
-      if (!option.is_flag()) words.emplace_back("7");
-      words.emplace_back("--no-such-option");
+      if (option.target == nullptr) continue;  // --help and --version, which have tests of their own
       try {
-        read(words);
-        ADD_FAILURE() << command->path << ' ' << option.name;
+        spc::Reading reading = read(line_with(*command, option, value_for(option)));
+        EXPECT_EQ(reading.command, command) << command->path;
+        EXPECT_EQ(text_at(option, reading.request), option.is_flag() ? "1" : value_for(option))
+            << command->path << ' ' << option.name;
       } catch (const spc::Problem& problem) {
-        // The option itself is taken: what is complained of is another one, or its value.
-        EXPECT_EQ(problem.why.find("The following argument was not expected: " + std::string(option.name)),
-                  std::string::npos)
-            << command->path << ' ' << problem.why;
+        ADD_FAILURE() << command->path << ' ' << option.name << ": " << problem.why;
       }
     }
+}
+
+bool is_refused(const std::vector<std::string>& words) {
+  try {
+    read(words);
+    return false;
+  } catch (const spc::Problem& problem) {
+    return problem.status == spc::exit_misuse;
+  }
+}
+
+TEST(CommandTable, has_bounds_and_words_that_the_grammar_holds) {
+  for (const Command* command : tasks())
+    for (const Option& option : own_and_global(*command)) {
+      std::vector<std::string> wrong;
+      if (option.within)
+        wrong = {std::to_string(option.within->least - 1), std::to_string(option.within->most + 1), "x"};
+      if (option.offers == spc::Offers::words) wrong = {"no-such-word"};
+      if (option.problem != nullptr) wrong = {""};
+      for (const auto& value : wrong)
+        EXPECT_TRUE(is_refused(line_with(*command, option, value))) << command->path << ' ' << option.name << value;
+    }
+}
+
+TEST(CommandTable, has_required_and_excluded_options_that_the_grammar_holds) {
+  for (const Command* command : tasks()) {
+    const auto all = own_and_global(*command);
+    for (const Option& option : all) {
+      EXPECT_TRUE(!option.required || is_refused(spc::words_of(command->path, " "))) << command->path;
+      for (const auto other : option.excludes) {
+        const auto found = std::ranges::find(all, other, &Option::name);
+        ASSERT_NE(found, all.end()) << option.name << " excludes " << other;
+        auto both = line_with(*command, option, value_for(option));
+        both.emplace_back(other);
+        if (!found->is_flag()) both.push_back(value_for(*found));
+        EXPECT_TRUE(is_refused(both)) << command->path << ' ' << option.name << " beside " << other;
+      }
+    }
+  }
 }
 
 TEST(CommandTable, has_examples_that_are_read_as_their_commands) {
