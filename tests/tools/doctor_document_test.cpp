@@ -8,7 +8,9 @@
 #include <set>
 
 #include "tests/tools/program.h"
+#include "tools/spc/command_table.h"
 #include "tools/spc/doctor/check.h"
+#include "tools/spc/words.h"
 
 namespace {
 
@@ -39,6 +41,8 @@ TEST(DoctorChecks, have_names_of_their_own_in_one_form) {
     EXPECT_TRUE(names.insert(check.name).second) << check.name;
     EXPECT_EQ(spc::doctor::find_check(check.name), &check);
     EXPECT_TRUE(check.look != nullptr || !check.queries.empty()) << check.name;
+    for (const std::string text : {check.meaning, check.advice})
+      EXPECT_TRUE(text.size() > 10 && text.ends_with('.')) << check.name << ": " << text;
   }
   EXPECT_EQ(spc::doctor::find_check("no-such-check"), nullptr);
   EXPECT_GE(names.size(), 20U);
@@ -54,10 +58,10 @@ TEST(DoctorChecks, advise_commands_that_there_are) {
   }
   EXPECT_GE(advised.size(), 5U);
   for (const auto& line : advised) {
-    std::vector<std::string> words;
-    for (std::size_t begin = 4; begin < line.size();
-         begin = line.find(' ', begin) == std::string::npos ? line.size() : line.find(' ', begin) + 1)
-      words.push_back(line.substr(begin, line.find(' ', begin) - begin));
+    auto words = spc::words_of(line.substr(4), " ");
+    // A word of the sentence may follow a command that has none behind it.
+    if (words.size() > 1 && spc::find_command(words[0]) != nullptr && !spc::find_command(words[0])->is_group())
+      words.resize(1);
     words.emplace_back("--help");
     EXPECT_EQ(command_test::run(words).status, 0) << line;
   }
