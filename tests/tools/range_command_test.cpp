@@ -211,6 +211,11 @@ TEST(RangeCommand, warns_of_what_is_read_otherwise_than_it_stands) {
   EXPECT_EQ(json["warnings"].items[1]["example"].text, "today");
   EXPECT_TRUE(run_in_zone(berlin, {"range", "fixed_range 2024-03-15 2024-03-01"})
                   .complains("spc: warning: second moment \"2024-03-01\": before the first one"));
+  EXPECT_TRUE(
+      run_in_zone(berlin, {"range", "last -5 day"})
+          .complains("spc: warning: number \"-5\": reaches into the future, and ends before it begins; it may be a "
+                     "number of 1 or more, as in \"last 5 day\"\n"));
+  EXPECT_EQ(run_in_zone(berlin, {"range", "last 0 day"}).err, "");
 }
 
 TEST(RangeCommand, refuses_wrong_options) {

@@ -71,6 +71,8 @@ TEST_P(SourceFiles, export_never_writes_over_a_file) {
   file("w.xml", "mine");
   const Answer refused = source({"export", "1", file("w.xml")});
   EXPECT_EQ(refused.status, 1);
+  EXPECT_TRUE(source({"export", "1", file("no/such.xml")})
+                  .complains("\n     See that the folder is there, writable and not full.\n"));
   EXPECT_EQ(refused.err, "spc: cannot write " + file("w.xml") +
                              ": the file is there already\n     Name a file that does not exist yet.\n");
   EXPECT_EQ(content("w.xml"), "mine");

@@ -16,6 +16,8 @@
 namespace spc {
 namespace {
 
+constexpr const char* advice_for_new_file = "See that the folder is there, writable and not full.";
+
 std::string hex(std::string_view bytes) {
   constexpr const char* digits = "0123456789ABCDEF";
   std::string text;
@@ -67,8 +69,7 @@ void write_new_file(const std::string& path, std::string_view bytes) {
   std::ofstream file(path, std::ios::binary);
   file.write(bytes.data(), static_cast<std::streamsize>(bytes.size()));
   file.close();
-  if (!file)
-    throw Problem{what, std::generic_category().message(errno), "See that the folder is there, writable and not full."};
+  if (!file) throw Problem{what, std::generic_category().message(errno), advice_for_new_file};
 }
 
 void write_private_file(const std::string& path, std::string_view bytes) {
@@ -79,7 +80,10 @@ void write_private_file(const std::string& path, std::string_view bytes) {
     const auto error = static_cast<LONG>(GetLastError());
     if (error == ERROR_FILE_EXISTS)
       throw Problem{what, "the file is there already", "Name a file that does not exist yet."};
-    doing(what, [&] { CFileException::ThrowOsError(error, path.c_str()); });
+    const auto refused = guarded([&] { CFileException::ThrowOsError(error, path.c_str()); });
+    Problem problem = problem_of(what, refused.failure());
+    problem.advice = advice_for_new_file;
+    throw problem;
   }
   doing(what, [&] {
     file.Write(bytes.data(), static_cast<UINT>(bytes.size()));

@@ -91,7 +91,8 @@ const std::vector<Surrounding>& environment() {
       {"XDG_DATA_HOME, HOME", "Where the user's data folder is: $XDG_DATA_HOME, else ~/.local/share."},
       {"ODBCINI", "Another file of data sources than ~/.odbc.ini."},
       {"COLUMNS", "How wide --help is, from 40 to 100; 80 when it is not set."},
-      {"LC_ALL, LC_TIME, LANG", "How spc range and spc schedule write dates and times for people."},
+      {"LC_ALL, LC_TIME, LANG",
+       "How spc range and spc schedule write dates and times for people, if locale -a lists it."},
       {"TZ", "The zone of local time."},
   };
   return all;

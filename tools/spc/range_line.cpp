@@ -77,6 +77,9 @@ Warnings warnings_for(const DateTimeRange& range, const Words& words) {
     const std::string read = std::to_string(range.count);
     if (words[1] != read)
       warnings.push_back({"number", words[1], "read as " + read, "a whole number below 2147483648", last_example});
+    else if (range.count < 0)
+      warnings.push_back({"number", words[1], "reaches into the future, and ends before it begins",
+                          "a number of 1 or more", last_example});
   } else if (range.type == DateTimeRange::fixed_range) {
     expected = 3;
     example = fixed_example;
