@@ -113,10 +113,12 @@ Reading read_arguments(int argc, const char* const* argv) {
     reading.wish = Reading::Wish::version;
     return reading;
   } catch (const CLI::CallForHelp&) {
-    if (const auto unknown = grammar.app().remaining(true); !unknown.empty())
-      throw unexpected_words(grammar.spoken_of(), unknown);
-    reading.wish = Reading::Wish::help;
     reading.command = grammar.spoken_of();
+    const bool is_task = reading.command != nullptr && !reading.command->is_group();
+    // Of a task there is help, whatever stands behind it; of a command that there is not there is none.
+    if (const auto unknown = grammar.app().remaining(true); !is_task && !unknown.empty())
+      throw unexpected_words(reading.command, unknown);
+    reading.wish = Reading::Wish::help;
     return reading;
   } catch (const CLI::ParseError& error) {
     // What is missing may be there, mistyped.
