@@ -6,6 +6,7 @@ function(spcbase_layer name)
   add_library(spcbase_${name} OBJECT ${arg_SOURCES})
   target_include_directories(spcbase_${name} PUBLIC ${PROJECT_SOURCE_DIR})
   target_link_libraries(spcbase_${name} PRIVATE spcbase_warnings spcbase_sanitizers ${arg_LIBRARIES})
+  spcbase_precompile(spcbase_${name})
   set_property(GLOBAL APPEND PROPERTY SPCBASE_LAYERS spcbase_${name})
   set_property(GLOBAL APPEND PROPERTY SPCBASE_LIBRARIES ${arg_LIBRARIES})
 endfunction()
@@ -13,18 +14,6 @@ endfunction()
 # Test code is compiled for quick building: optimising it, and under sanitizers above all, costs most of a build's time.
 add_library(spcbase_quick_build INTERFACE)
 target_compile_options(spcbase_quick_build INTERFACE $<$<NOT:$<CONFIG:Debug>>:-O0;-g1>)
-
-# What nearly every test includes, compiled once. Sources still include all they need: the linter compiles them without.
-function(spcbase_precompiled_test_headers)
-  file(WRITE ${CMAKE_CURRENT_BINARY_DIR}/precompiled.cpp "int main() { return 0; }\n")
-  add_executable(precompiled_test_headers EXCLUDE_FROM_ALL ${CMAKE_CURRENT_BINARY_DIR}/precompiled.cpp)
-  target_link_libraries(precompiled_test_headers PRIVATE
-    spcbase_test_support spcbase_warnings spcbase_test_sanitizers spcbase_quick_build GTest::gtest GTest::gmock)
-  target_compile_definitions(precompiled_test_headers PRIVATE SPCBASE_TEST_DATA="${PROJECT_SOURCE_DIR}/tests/data")
-  target_precompile_headers(precompiled_test_headers PRIVATE
-    <algorithm> <filesystem> <fstream> <functional> <map> <memory> <optional> <regex> <set> <sstream> <string> <thread>
-    <variant> <vector> <gmock/gmock.h> <gtest/gtest.h>)
-endfunction()
 
 # spcbase_test(foundation SOURCES a_test.cpp ... [LIBRARIES ...] [SHARDS n])
 #
@@ -37,9 +26,7 @@ function(spcbase_test name)
     spcbase_test_support spcbase_warnings spcbase_test_sanitizers spcbase_quick_build
     ${arg_LIBRARIES} GTest::gtest GTest::gmock)
   target_compile_definitions(${name}_test PRIVATE SPCBASE_TEST_DATA="${PROJECT_SOURCE_DIR}/tests/data")
-  if(SPCBASE_PCH)
-    target_precompile_headers(${name}_test REUSE_FROM precompiled_test_headers)
-  endif()
+  spcbase_precompile_test(${name}_test)
   set(command ${name}_test --gtest_shuffle --gtest_brief=1)
   if(NOT arg_SHARDS)
     add_test(NAME ${name} COMMAND ${command})

@@ -183,8 +183,7 @@ Failure describe_own_failure(const DBException& exception) {
 // By the number of the reason.
 constexpr const char* advice_of_reasons[] = {
     "Save the object first: it has no revisions.",
-    "Read the latest revision and approve that: somebody saved one since, the manager's memory is too old, or there is "
-    "none.",
+    "Approve the latest revision: somebody saved one since, the manager's memory is too old, or there is none.",
     "Nothing is left to do: the revision is approved.",
     "Save the object again: the next revision goes past this one, which has no payload.",
     "Look whether the new row stands, then do the work again.",

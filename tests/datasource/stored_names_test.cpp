@@ -31,8 +31,7 @@ const std::vector<std::string>& hurtful_texts() {
       "}{",
       "`back`quote`",
       "\"double\"",
-      "\xC3\x84rger \xC3\xB6"
-      "ffnen",
+      "\xC3\x84rger \303\266ffnen",
       "\xE5\x80\x89\xE5\xBA\xAB",
       "\xF0\x9F\x98\x80 face",
       "<b>&amp;</b>",

@@ -336,7 +336,7 @@ TEST(DryRunsOfFiles, make_none) {
   const test_support::ScratchFolder folder;
   const auto run = [&](std::vector<std::string> arguments) {
     arguments.emplace_back("--dry-run");
-    const Answer answer = command_test::run(arguments, folder.path().string());
+    Answer answer = command_test::run(arguments, folder.path().string());
     EXPECT_EQ(answer.status, 0) << answer;
     EXPECT_TRUE(std::filesystem::is_empty(folder.path())) << answer;
     return answer;

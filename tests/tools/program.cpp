@@ -187,7 +187,7 @@ Answer run_and_signal(const std::vector<std::string>& arguments, const std::func
     ::signal(SIGINT, SIG_DFL);
     ::signal(SIGTERM, SIG_DFL);
   };
-  const auto answer = run_with(environment(), arguments, send, prepare, Pipe::pieces);
+  auto answer = run_with(environment(), arguments, send, prepare, Pipe::pieces);
   EXPECT_TRUE(sent) << "the time never came\n" << answer;
   return answer;
 }
