@@ -7,9 +7,7 @@
 //   The words of a command line that cannot be read are not repeated where they may be a password
 #include <fcntl.h>
 #include <gtest/gtest.h>
-#include <poll.h>
 #include <sys/ioctl.h>
-#include <termios.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -17,7 +15,6 @@
 #include <atomic>
 #include <chrono>
 #include <csignal>
-#include <cstdlib>
 #include <filesystem>
 #include <fstream>
 #include <iterator>
@@ -25,6 +22,7 @@
 #include <thread>
 
 #include "spcbase/datasource/definition.h"
+#include "tests/support/pseudo_terminal.h"
 #include "tests/tools/source_fixture.h"
 #include "tools/spc/connection_text.h"
 
@@ -130,23 +128,13 @@ TEST_P(SourcePassword, needs_a_connection_string_to_stand_in) {
 /// Somebody who sits at a terminal and types when the echo is off. Without a text nobody is to be asked.
 class Typist {
  public:
-  explicit Typist(std::string text) : master_(::posix_openpt(O_RDWR | O_NOCTTY | O_CLOEXEC)), text_(std::move(text)) {
-    if (::grantpt(master_) != 0 || ::unlockpt(master_) != 0) throw std::runtime_error("there are no pseudo-terminals");
-    name_ = ::ptsname(master_);
-    terminal_ = ::open(name_.c_str(), O_RDWR | O_NOCTTY | O_CLOEXEC);
-  }
-  ~Typist() {
-    ::close(terminal_);
-    ::close(master_);
-  }
-  Typist(const Typist&) = delete;
-  Typist& operator=(const Typist&) = delete;
+  explicit Typist(std::string text) : text_(std::move(text)) {}
 
   Answer run(const std::vector<std::string>& arguments) {
     std::thread typing([&] { type(); });
-    const Answer answer = command_test::run_prepared(arguments, [&] {
+    Answer answer = command_test::run_prepared(arguments, [&] {
       ::setsid();
-      const int own = ::open(name_.c_str(), O_RDWR);
+      const int own = ::open(pseudo_.name().c_str(), O_RDWR);
       ::ioctl(own, TIOCSCTTY, 0);
       ::dup2(own, STDIN_FILENO);
     });
@@ -154,34 +142,18 @@ class Typist {
     typing.join();
     return answer;
   }
-  bool echoes() const {
-    termios state{};
-    return ::tcgetattr(terminal_, &state) == 0 && (state.c_lflag & ECHO) != 0;
-  }
-  std::string shown() const {
-    std::string all;
-    std::array<char, 256> buffer{};
-    for (pollfd screen{master_, POLLIN, 0}; ::poll(&screen, 1, 50) == 1;) {
-      const auto count = ::read(master_, buffer.data(), buffer.size());
-      if (count <= 0) break;
-      all.append(buffer.data(), static_cast<std::size_t>(count));
-    }
-    return all;
-  }
+  bool echoes() const { return pseudo_.echoes(); }
+  std::string shown() const { return pseudo_.shown(); }
 
  private:
   void type() const {
     while (echoes() && !ended_)
       std::this_thread::sleep_for(std::chrono::milliseconds(1));
     EXPECT_EQ(ended_, text_.empty()) << (ended_ ? "nobody was asked" : "somebody was asked");
-    if (ended_) return;
-    const std::string typed = text_.empty() ? "\n" : text_;
-    EXPECT_EQ(::write(master_, typed.data(), typed.size()), static_cast<ssize_t>(typed.size()));
+    if (!ended_) pseudo_.type(text_.empty() ? "\n" : text_);
   }
 
-  int master_;
-  int terminal_ = -1;
-  std::string name_;
+  test_support::PseudoTerminal pseudo_;
   std::string text_;
   std::atomic<bool> ended_ = false;
 };

@@ -9,19 +9,20 @@
 #include <gtest/gtest.h>
 #include <poll.h>
 #include <sys/wait.h>
-#include <termios.h>
 #include <unistd.h>
 
 #include <array>
 #include <cerrno>
 #include <csignal>
-#include <cstdlib>
 #include <stdexcept>
 #include <thread>
+
+#include "tests/support/pseudo_terminal.h"
 
 namespace {
 
 using platform::LineRead;
+using test_support::PseudoTerminal;
 
 /// A file that is open while the object lives.
 class OpenFile {
@@ -125,46 +126,6 @@ TEST(read_line, tells_of_what_cannot_be_read) {
   EXPECT_EQ(platform::read_line(-1, line), LineRead::failed);
   EXPECT_EQ(errno, EBADF);
 }
-
-/// Both ends of a terminal that is none.
-class PseudoTerminal {
- public:
-  PseudoTerminal() : master_(::posix_openpt(O_RDWR | O_NOCTTY | O_CLOEXEC)) {
-    if (::grantpt(master_) != 0 || ::unlockpt(master_) != 0) throw std::runtime_error("there are no pseudo-terminals");
-    terminal_ = ::open(::ptsname(master_), O_RDWR | O_NOCTTY | O_CLOEXEC);
-  }
-  ~PseudoTerminal() {
-    ::close(terminal_);
-    ::close(master_);
-  }
-  PseudoTerminal(const PseudoTerminal&) = delete;
-  PseudoTerminal& operator=(const PseudoTerminal&) = delete;
-
-  int terminal() const { return terminal_; }
-  bool echoes() const {
-    termios state{};
-    EXPECT_EQ(::tcgetattr(terminal_, &state), 0);
-    return (state.c_lflag & ECHO) != 0;
-  }
-  void type(const std::string& text) const {
-    EXPECT_EQ(::write(master_, text.data(), text.size()), static_cast<ssize_t>(text.size()));
-  }
-  /// What stands on the screen by now.
-  std::string shown() const {
-    std::string all;
-    std::array<char, 256> buffer{};
-    for (pollfd screen{master_, POLLIN, 0}; ::poll(&screen, 1, 100) == 1;) {
-      const auto count = ::read(master_, buffer.data(), buffer.size());
-      if (count <= 0) break;
-      all.append(buffer.data(), static_cast<std::size_t>(count));
-    }
-    return all;
-  }
-
- private:
-  int master_;
-  int terminal_ = -1;
-};
 
 TEST(read_hidden_line, reads_what_is_typed_and_shows_nothing_of_it) {
   const PseudoTerminal pseudo;
