@@ -19,6 +19,8 @@ void OnDemo::SetUp() {
   ASSERT_EQ(run({"source", "add", "Outside", "--connection-string", outside_database_.connect_text()}).status, 0);
   ASSERT_EQ(run({"source", "export", "Outside", file("outside.xml")}).status, 0);
   database_.execute("UPDATE CSMNRN SET MAXNO = 77");
+  // Else what is saved anew within this second would be as it was.
+  database_.execute("UPDATE CSEXDB SET MTIME = '2024-03-01 00:00:00'");
 }
 
 std::vector<std::string> OnDemo::on_database(std::vector<std::string> arguments) const {
