@@ -29,7 +29,7 @@ class FailKthCall final : public spcdb::CallHook {
   /// The same, set as the hook of an open connection for as long as the object lives, or until the connection closes.
   /// The connection must outlive it.
   /// Fails: std::logic_error when the connection is not open.
-  FailKthCall(CDatabase& db, std::size_t k, spcdb::Diagnostic diagnostic = staged());
+  [[nodiscard]] FailKthCall(CDatabase& db, std::size_t k, spcdb::Diagnostic diagnostic = staged());
   ~FailKthCall() override;
   FailKthCall(const FailKthCall&) = delete;
   FailKthCall& operator=(const FailKthCall&) = delete;

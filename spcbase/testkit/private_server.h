@@ -56,7 +56,7 @@ class PrivateMariaDb {
 
   /// Starts a server of its own. It dies with this object, and with this process however that ends.
   /// Fails: std::runtime_error when it does not start.
-  PrivateMariaDb();
+  [[nodiscard]] PrivateMariaDb();
   ~PrivateMariaDb();
   PrivateMariaDb(const PrivateMariaDb&) = delete;
   PrivateMariaDb& operator=(const PrivateMariaDb&) = delete;
@@ -80,7 +80,7 @@ class PrivateMariaDb {
 
  private:
   class Keeper;
-  explicit PrivateMariaDb(std::string running_socket);
+  [[nodiscard]] explicit PrivateMariaDb(std::string running_socket);
 
   std::unique_ptr<Keeper> keeper_;  // null when attached to the server of the run
   std::string socket_;

@@ -35,7 +35,7 @@ class SchemaDatabase {
   using Row = std::vector<std::optional<std::string>>;
 
   /// Fails: std::runtime_error when the database cannot be made; so do `execute`, `rows` and `value`.
-  explicit SchemaDatabase(ServerKind kind);
+  [[nodiscard]] explicit SchemaDatabase(ServerKind kind);
   ~SchemaDatabase();
   SchemaDatabase(const SchemaDatabase&) = delete;
   SchemaDatabase& operator=(const SchemaDatabase&) = delete;

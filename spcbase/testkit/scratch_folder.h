@@ -10,7 +10,7 @@ namespace test_support {
 class ScratchFolder {
  public:
   /// Fails: std::filesystem::filesystem_error when the folder cannot be made.
-  ScratchFolder();
+  [[nodiscard]] ScratchFolder();
   ~ScratchFolder();
   ScratchFolder(const ScratchFolder&) = delete;
   ScratchFolder& operator=(const ScratchFolder&) = delete;

@@ -19,7 +19,7 @@ class StatementLog : public spcdb::StatementObserver {
  public:
   /// Becomes the observer of a connection, which must outlive it. The former observer hears nothing until the object
   /// goes.
-  explicit StatementLog(CDatabase& db) : db_(db), former_(db.observer()) { db_.set_observer(this); }
+  [[nodiscard]] explicit StatementLog(CDatabase& db) : db_(db), former_(db.observer()) { db_.set_observer(this); }
   ~StatementLog() override { db_.set_observer(former_); }
   StatementLog(const StatementLog&) = delete;
   StatementLog& operator=(const StatementLog&) = delete;

@@ -13,7 +13,7 @@ namespace test_support {
 class ZoneGuard {
  public:
   /// Sets the zone: a name as tzdata has it.
-  explicit ZoneGuard(const char* name) {
+  [[nodiscard]] explicit ZoneGuard(const char* name) {
     if (const char* old = std::getenv("TZ")) old_ = old;
     set(name);
   }

@@ -10,7 +10,7 @@ namespace test_support {
 /// Sets a variable and gives its former value back at the end.
 class EnvironmentGuard {
  public:
-  EnvironmentGuard(std::string name, const std::string& value) : name_(std::move(name)) {
+  [[nodiscard]] EnvironmentGuard(std::string name, const std::string& value) : name_(std::move(name)) {
     if (const char* old = std::getenv(name_.c_str())) old_ = old;
     setenv(name_.c_str(), value.c_str(), 1);
   }

@@ -86,7 +86,7 @@ inline std::map<UINT, CString> german_messages() {
 /// Installs a table for a scope. One at a time, since the table is the whole process's.
 class InstalledMessages {
  public:
-  explicit InstalledMessages(const std::map<UINT, CString>& texts) { install_messages(texts); }
+  [[nodiscard]] explicit InstalledMessages(const std::map<UINT, CString>& texts) { install_messages(texts); }
   ~InstalledMessages() { install_messages({}); }
   InstalledMessages(const InstalledMessages&) = delete;
   InstalledMessages& operator=(const InstalledMessages&) = delete;

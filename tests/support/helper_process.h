@@ -10,7 +10,7 @@ namespace test_support {
 class HelperProcess {
  public:
   /// Starts it with these arguments. Fails: std::runtime_error.
-  HelperProcess(const std::string& program, const std::vector<std::string>& arguments);
+  [[nodiscard]] HelperProcess(const std::string& program, const std::vector<std::string>& arguments);
   ~HelperProcess();
   HelperProcess(HelperProcess&& other) noexcept;
   HelperProcess& operator=(HelperProcess&&) = delete;

@@ -16,7 +16,7 @@ namespace test_support {
 class MadeLocale {
  public:
   /// Fails: std::runtime_error.
-  explicit MadeLocale(const std::string& name) {
+  [[nodiscard]] explicit MadeLocale(const std::string& name) {
     std::ofstream(folder_.file("source")) << "comment_char %\nescape_char /\n";
     std::ofstream(folder_.file("characters"))
         << "<code_set_name> UTF-8\n<comment_char> %\n<escape_char> /\nCHARMAP\n<U0000>..<U007F> /x00\nEND CHARMAP\n";

@@ -30,7 +30,7 @@ inline long process_kib(const std::string& line) {
 /// under the address sanitizer, which keeps what was released, the blocks in use are counted at each `sample` instead.
 class MemoryMeter {
  public:
-  MemoryMeter() : start_(held()) {}
+  [[nodiscard]] MemoryMeter() : start_(held()) {}
 
   void sample() { peak_ = std::max(peak_, held()); }
   long growth_kib() {

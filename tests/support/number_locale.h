@@ -19,7 +19,8 @@ namespace test_support {
 /// The marks are written as `localedef` wants them, "<U002C>" for a comma; an empty group mark means none.
 class NumberLocale {
  public:
-  NumberLocale(const std::string& decimal, const std::string& group) : before_(std::setlocale(LC_ALL, nullptr)) {
+  [[nodiscard]] NumberLocale(const std::string& decimal, const std::string& group)
+      : before_(std::setlocale(LC_ALL, nullptr)) {
     compile(decimal, group);
     if (std::setlocale(LC_ALL, "C.UTF-8") == nullptr) throw std::runtime_error("there is no locale C.UTF-8");
     if (const char* path = std::getenv("LOCPATH")) path_before_ = path;
@@ -68,12 +69,12 @@ class NumberLocale {
 
 /// Numbers as in German: 1.234,5.
 struct DecimalComma : NumberLocale {
-  DecimalComma() : NumberLocale("<U002C>", "<U002E>") {}
+  [[nodiscard]] DecimalComma() : NumberLocale("<U002C>", "<U002E>") {}
 };
 
 /// Numbers with marks of several bytes, as in Persian.
 struct ArabicMarks : NumberLocale {
-  ArabicMarks() : NumberLocale("<U066B>", "<U066C>") {}
+  [[nodiscard]] ArabicMarks() : NumberLocale("<U066B>", "<U066C>") {}
 };
 
 }  // namespace test_support

@@ -18,7 +18,7 @@ namespace test_support {
 /// It is read at the end, so no more is to be written than it holds.
 class PseudoTerminal {
  public:
-  PseudoTerminal() : master_(::posix_openpt(O_RDWR | O_NOCTTY | O_CLOEXEC)) {
+  [[nodiscard]] PseudoTerminal() : master_(::posix_openpt(O_RDWR | O_NOCTTY | O_CLOEXEC)) {
     if (::grantpt(master_) != 0 || ::unlockpt(master_) != 0) throw std::runtime_error("there are no pseudo-terminals");
     name_ = ::ptsname(master_);
     terminal_ = ::open(name_.c_str(), O_RDWR | O_NOCTTY | O_CLOEXEC);

@@ -2,6 +2,7 @@
 
 #include <fcntl.h>
 #include <gtest/gtest.h>
+#include <spawn.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -99,26 +100,63 @@ void hold_against_schema(const std::vector<std::string>& arguments, const Answer
 /// signal it. In the second it waits for its reader at each thing that it writes.
 enum class Pipe : unsigned char { bytes, pieces };
 
+/// An open file of ours, and the descriptor under which the command finds it.
+struct Given {
+  int ours;
+  int its;
+};
+
+struct Start {
+  std::vector<Given> files;
+  std::function<void()> prepare;  ///< called in the new process, when files are not enough
+  Pipe kind = Pipe::bytes;
+};
+
+/// Starts the command without a copy of this process: with sanitizers that takes longer than most commands.
+pid_t spawn(const std::vector<Given>& files, const std::vector<char*>& argv, const std::vector<char*>& envp) {
+  posix_spawn_file_actions_t actions;
+  ::posix_spawn_file_actions_init(&actions);
+  for (const auto& file : files)
+    ::posix_spawn_file_actions_adddup2(&actions, file.ours, file.its);
+  // Whoever starts the tests behind a shell's back may have them ignore Ctrl-C.
+  sigset_t usual;
+  ::sigemptyset(&usual);
+  ::sigaddset(&usual, SIGINT);
+  ::sigaddset(&usual, SIGTERM);
+  posix_spawnattr_t attributes;
+  ::posix_spawnattr_init(&attributes);
+  ::posix_spawnattr_setsigdefault(&attributes, &usual);
+  ::posix_spawnattr_setflags(&attributes, POSIX_SPAWN_SETSIGDEF);
+  pid_t process = -1;
+  const int fault = ::posix_spawn(&process, SPC_PROGRAM, &actions, &attributes, argv.data(), envp.data());
+  ::posix_spawnattr_destroy(&attributes);
+  ::posix_spawn_file_actions_destroy(&actions);
+  return fault == 0 ? process : -1;
+}
+
+pid_t start_process(const Start& start, const std::vector<char*>& argv, const std::vector<char*>& envp) {
+  if (!start.prepare) return spawn(start.files, argv, envp);
+  const pid_t process = ::fork();
+  if (process != 0) return process;
+  for (const auto& file : start.files)
+    ::dup2(file.ours, file.its);
+  start.prepare();
+  ::execve(SPC_PROGRAM, argv.data(), envp.data());
+  ::_exit(127);
+}
+
 Answer run_with(std::vector<std::string> variables, const std::vector<std::string>& arguments,
-                const OnLine& on_error_line, const std::function<void()>& prepare = {}, Pipe kind = Pipe::bytes) {
+                const OnLine& on_error_line, Start start = {}) {
   const test_support::ScratchFolder folder;
   std::vector<std::string> texts = {SPC_PROGRAM};
   texts.insert(texts.end(), arguments.begin(), arguments.end());
-  const auto argv = pointers_to(texts);
-  const auto envp = pointers_to(variables);
   const int out = ::open(folder.file("out").c_str(), O_WRONLY | O_CREAT | O_CLOEXEC, 0600);
   int ends[2] = {-1, -1};
-  if (out < 0 || ::pipe2(ends, kind == Pipe::pieces ? O_CLOEXEC | O_DIRECT : O_CLOEXEC) != 0)
+  if (out < 0 || ::pipe2(ends, start.kind == Pipe::pieces ? O_CLOEXEC | O_DIRECT : O_CLOEXEC) != 0)
     throw std::runtime_error("no way to read what the command says");
   ::fcntl(ends[1], F_SETPIPE_SZ, 4096);
-  const pid_t process = ::fork();
-  if (process == 0) {
-    ::dup2(out, STDOUT_FILENO);
-    ::dup2(ends[1], STDERR_FILENO);
-    if (prepare) prepare();
-    ::execve(SPC_PROGRAM, argv.data(), envp.data());
-    ::_exit(127);
-  }
+  start.files.insert(start.files.begin(), {{out, STDOUT_FILENO}, {ends[1], STDERR_FILENO}});
+  const pid_t process = start_process(start, pointers_to(texts), pointers_to(variables));
   ::close(out);
   ::close(ends[1]);
   Answer answer;
@@ -159,16 +197,19 @@ Answer run_in_zone(const std::string& zone, const std::vector<std::string>& argu
 }
 
 Answer run_prepared(const std::vector<std::string>& arguments, const std::function<void()>& prepare) {
-  return run_with(environment(), arguments, {}, prepare);
+  return run_with(environment(), arguments, {}, {.files = {}, .prepare = prepare});
 }
 
 Answer run_with_line(const std::vector<std::string>& arguments, const std::string& line) {
   const test_support::ScratchFolder folder;
   std::ofstream(folder.file("line")) << line << '\n';
-  return run_prepared(arguments, [&] {
-    ::dup2(::open("/dev/null", O_RDONLY | O_CLOEXEC), STDIN_FILENO);
-    ::dup2(::open(folder.file("line").c_str(), O_RDONLY | O_CLOEXEC), 3);
-  });
+  const int nobody = ::open("/dev/null", O_RDONLY | O_CLOEXEC);
+  const int with_line = ::open(folder.file("line").c_str(), O_RDONLY | O_CLOEXEC);
+  Answer answer =
+      run_with(environment(), arguments, {}, {.files = {{nobody, STDIN_FILENO}, {with_line, 3}}, .prepare = {}});
+  ::close(nobody);
+  ::close(with_line);
+  return answer;
 }
 
 Answer run_and_signal(const std::vector<std::string>& arguments, const std::function<bool(const std::string&)>& is_time,
@@ -182,12 +223,7 @@ Answer run_and_signal(const std::vector<std::string>& arguments, const std::func
       ::kill(process, number);
     }
   };
-  // Whoever starts the tests behind a shell's back may have them ignore Ctrl-C.
-  const auto prepare = [] {
-    ::signal(SIGINT, SIG_DFL);
-    ::signal(SIGTERM, SIG_DFL);
-  };
-  auto answer = run_with(environment(), arguments, send, prepare, Pipe::pieces);
+  auto answer = run_with(environment(), arguments, send, {.files = {}, .prepare = {}, .kind = Pipe::pieces});
   EXPECT_TRUE(sent) << "the time never came\n" << answer;
   return answer;
 }
