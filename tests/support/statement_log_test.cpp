@@ -112,7 +112,7 @@ TEST_P(FailedCall, outlives_a_connection_that_closes_or_has_another_hook) {
 
 TEST_P(FailedCall, on_a_closed_connection_is_refused) {
   db().Close();
-  EXPECT_THROW(FailKthCall(db(), 1), std::logic_error);
+  EXPECT_THROW(FailKthCall never(db(), 1), std::logic_error);
 }
 
 }  // namespace
