@@ -13,7 +13,7 @@ endfunction()
 
 # Test code is compiled for quick building: optimising it, and under sanitizers above all, costs most of a build's time.
 add_library(spcbase_quick_build INTERFACE)
-target_compile_options(spcbase_quick_build INTERFACE $<$<NOT:$<CONFIG:Debug>>:-O0;-g1>)
+target_compile_options(spcbase_quick_build INTERFACE $<$<NOT:$<CONFIG:Debug>>:-O0>)
 
 # spcbase_test(foundation SOURCES a_test.cpp ... [LIBRARIES ...] [SHARDS n])
 #
