@@ -1,6 +1,8 @@
 /// How much memory a piece of work holds at most.
 #pragma once
 
+#include <malloc.h>
+
 #include <algorithm>
 #include <cstddef>
 #include <fstream>
@@ -26,11 +28,16 @@ inline long process_kib(const std::string& line) {
   return -1;
 }
 
-/// The most memory that was held since the meter was made, beyond what was held then. The process's peak tells it;
-/// under the address sanitizer, which keeps what was released, the blocks in use are counted at each `sample` instead.
+/// The most memory that was held since the meter was made, beyond what was held then; one meter at a time. The
+/// process's peak tells it, which begins anew with the meter: an older peak, or blocks released but kept, would hide a
+/// growth. Under the address sanitizer, which keeps what was released, the blocks in use are counted at each `sample`
+/// instead.
 class MemoryMeter {
  public:
-  [[nodiscard]] MemoryMeter() : start_(held()) {}
+  [[nodiscard]] MemoryMeter() {
+    forget_peak();
+    start_ = held();
+  }
 
   void sample() { peak_ = std::max(peak_, held()); }
   long growth_kib() {
@@ -39,6 +46,13 @@ class MemoryMeter {
   }
 
  private:
+  static void forget_peak() {
+#if !defined(__SANITIZE_ADDRESS__)
+    ::malloc_trim(0);
+    if (!(std::ofstream("/proc/self/clear_refs") << '5' << std::flush))
+      throw std::runtime_error("the system does not forget how much memory this process held");
+#endif
+  }
   static long held() {
 #if defined(__SANITIZE_ADDRESS__)
     return static_cast<long>(__sanitizer_get_current_allocated_bytes() / 1024);
@@ -49,7 +63,7 @@ class MemoryMeter {
 #endif
   }
 
-  long start_;
+  long start_ = 0;
   long peak_ = 0;
 };
 

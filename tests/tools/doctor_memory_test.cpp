@@ -3,11 +3,9 @@
 //     each of them sound, and each of them a fault
 //   The one look that reads rows and does not have them counted holds no more of them behind a driver than in SQLite
 #include <gtest/gtest.h>
-#include <malloc.h>
 
 #include <algorithm>
 #include <chrono>
-#include <fstream>
 
 #include "spcbase/testkit/raw_sqlite.h"
 #include "tests/support/memory_meter.h"
@@ -80,19 +78,12 @@ struct Measured {
   double seconds = 0;
 };
 
-/// Whatever the process held before this, or was given and keeps, must not hide what it holds from now on.
-void forget_peak() {
-  ::malloc_trim(0);
-  std::ofstream("/proc/self/clear_refs") << '5';
-}
-
 Measured measure(test_support::SchemaDatabase& database) {
   spc::Link link(database.connect_text(), nullptr);
   // The machine's own zone is no part of the test.
   const auto checks = spc::doctor::chosen_checks({{}, {"server-zone"}, 5, false});
   Measured measured;
   const auto begin = std::chrono::steady_clock::now();
-  forget_peak();
   test_support::MemoryMeter memory;
   const auto audit = spc::doctor::examine(link, checks, 5, [&] { memory.sample(); });
   measured.growth_kib = memory.growth_kib();
